@@ -1,0 +1,59 @@
+// One open source file: its streams on a time line that starts at 0, its packets, and seeking. Lives on one
+// thread at a time.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+#include "platform/ffmpeg/Handles.h"
+#include "platform/time/MediaTime.h"
+
+namespace korvane {
+
+class Demuxer {
+  public:
+    /// \throws MediaError when the file can't be opened or understood; CancellationError once stop is
+    /// requested.
+    static std::unique_ptr<Demuxer> open(const std::filesystem::path& path, std::stop_token stop);
+
+    const std::filesystem::path& path() const { return path_; }
+    AVFormatContext* format() const { return format_.get(); }
+    AVStream* stream(int index) const { return format_->streams[index]; }
+    bool isIsoMedia() const;
+
+    /// Ticks of the stream's time base at time 0. ISO media files have a time line of their own that starts
+    /// at 0; other files (transport streams, say) start when their first packet does.
+    std::int64_t zeroTicks(int streamIndex) const;
+
+    /// Reads packets of this stream only from here on.
+    void select(int streamIndex);
+
+    /// The next packet of the selected stream into `packet`.
+    /// \return false at the end, which a damaged or shortened file may have earlier than it says.
+    /// \throws MediaError when the device fails, CancellationError.
+    bool read(AVPacket* packet);
+
+    /// Goes to the last key packet whose decoding time is <= `ticks` of the selected stream, or to the start.
+    void seek(std::int64_t ticks);
+    /// Decoding time of that key packet, as far as the file's index knows.
+    std::optional<std::int64_t> keyPacketBefore(std::int64_t ticks) const;
+
+    /// True when the file is shorter than its own structure says (looked up in the file at each call).
+    bool isCutShort() const;
+    /// True when an ISO media file keeps its index in fragments, so that its header does not know the length.
+    bool isFragmented() const;
+
+  private:
+    Demuxer(std::filesystem::path path, std::stop_token stop)
+        : path_(std::move(path)), stop_(std::move(stop)) {}
+    static int interrupted(void* self);
+
+    std::filesystem::path path_;
+    std::stop_token stop_;
+    FormatInput format_;
+    int selected_ = -1;
+};
+
+}  // namespace korvane

@@ -1,0 +1,27 @@
+// Brings pictures of any memory layout into planes that the scaler reads.
+#pragma once
+
+#include <memory>
+
+struct AVFrame;
+struct SwsContext;
+
+namespace korvane {
+
+/// Keeps its plan while the format stays the same. One thread at a time.
+class PlanarForm {
+  public:
+    PlanarForm();
+    ~PlanarForm();
+    /// The same picture with the same values as planar YUV, or planar RGB (G, B, R), 8 to 16 bit or 32-bit
+    /// float, rows and planes aligned to 32 bytes. The input itself where it is that already. Alpha is
+    /// dropped, grey gets neutral colour planes. Colour tags go along. \throws MediaError for a format
+    /// without a planar form.
+    std::shared_ptr<const AVFrame> of(const std::shared_ptr<const AVFrame>& frame);
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace korvane
