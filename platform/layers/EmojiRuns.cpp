@@ -75,32 +75,29 @@ std::size_t emojiEnd(const std::vector<char32_t>& text, std::size_t i) {
     return end;
 }
 
-int utf16Length(const std::vector<char32_t>& text, std::size_t from, std::size_t to) {
-    int length = 0;
-    for (std::size_t i = from; i < to; ++i)
-        length += text[i] > 0xFFFF ? 2 : 1;
-    return length;
-}
-
 }  // namespace
 
-std::vector<TextRun> emojiRuns(const QString& text) {
+EmojiText markEmoji(const QString& text) {
     const auto ucs4 = text.toUcs4();
     const std::vector<char32_t> points(ucs4.begin(), ucs4.end());
-    std::vector<TextRun> runs;
-    int position = 0;
+    EmojiText result;
     for (std::size_t i = 0; i < points.size();) {
         const std::size_t end = emojiEnd(points, i);
-        const int length = utf16Length(points, i, std::max(end, i + 1));
-        const bool continues = !runs.empty() && runs.back().start + runs.back().length == position;
+        const int start = static_cast<int>(result.text.size());
+        for (std::size_t k = i; k < std::max(end, i + 1); ++k) {
+            if (points[k] != kPictureSelector && points[k] != kTextSelector)
+                result.text += QString::fromUcs4(&points[k], 1);
+        }
+        const int length = static_cast<int>(result.text.size()) - start;
+        const bool continues =
+            !result.emoji.empty() && result.emoji.back().start + result.emoji.back().length == start;
         if (end > i && continues)
-            runs.back().length += length;
+            result.emoji.back().length += length;
         else if (end > i)
-            runs.push_back({position, length});
-        position += length;
+            result.emoji.push_back({start, length});
         i = std::max(end, i + 1);
     }
-    return runs;
+    return result;
 }
 
 }  // namespace korvane

@@ -14,8 +14,15 @@ struct TextRun {
     friend bool operator==(const TextRun&, const TextRun&) = default;
 };
 
-/// Whole emoji as people see them, neighbours merged: flags, key caps, skin tones and joined sequences stay
-/// in one piece. Signs that are text by default count only when a variation selector asks for the picture.
-std::vector<TextRun> emojiRuns(const QString& text);
+/// A text with its emoji marked and the variation selectors that chose them taken out: the colour font has no
+/// glyph for those, and a fallback font's would tear sequences like key caps apart.
+struct EmojiText {
+    QString text;
+    std::vector<TextRun> emoji;  ///< in `text`; neighbours merged
+};
+
+/// Emoji stay in one piece as people see them: flags, key caps, skin tones and joined sequences. Signs that
+/// are text by default count only when a variation selector asks for the picture, and the other way round.
+EmojiText markEmoji(const QString& text);
 
 }  // namespace korvane

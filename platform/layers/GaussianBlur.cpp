@@ -10,14 +10,22 @@ namespace {
 /// one's Nyquist frequency.
 constexpr double kWideSigma = 5.0;
 
-/// One side of the kernel, centre first; the whole sums up to 1.
-std::vector<float> halfKernel(double sigma) {
-    const int reach = std::max(1, static_cast<int>(std::ceil(3.5 * sigma)));
+/// Below this the samples of the bell are too few to stand for it; what remains is the move.
+constexpr double kNarrowestSigma = 0.3;
+
+/// Weights for the sources at -reach to +reach; they sum up to 1.
+std::vector<float> shiftedKernel(double sigma, double shift) {
+    const int reach = std::max(1, static_cast<int>(std::ceil(3.5 * sigma + std::abs(shift))));
     std::vector<double> weights;
     double sum = 0.0;
-    for (int k = 0; k <= reach; ++k) {
-        weights.push_back(std::exp(-0.5 * k * k / (sigma * sigma)));
-        sum += k == 0 ? weights.back() : 2.0 * weights.back();
+    for (int k = -reach; k <= reach; ++k) {
+        // A picture moved to the right takes its values from the left.
+        const double distance = k + shift;
+        const double weight = sigma < kNarrowestSigma
+                                  ? std::max(0.0, 1.0 - std::abs(distance))
+                                  : std::exp(-0.5 * distance * distance / (sigma * sigma));
+        weights.push_back(weight);
+        sum += weight;
     }
     std::vector<float> kernel;
     for (const double weight : weights)
@@ -25,61 +33,78 @@ std::vector<float> halfKernel(double sigma) {
     return kernel;
 }
 
-/// Adds weight * source to target, element by element; the shape that compilers vectorise.
-void accumulate(float* target, const float* source, float weight, std::size_t count) {
+/// target[i] += a * first[i] + b * second[i]; the shape that compilers vectorise.
+void accumulate(float* target, const float* first, float a, const float* second, float b, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
-        target[i] += weight * source[i];
+        target[i] += a * first[i] + b * second[i];
+}
+
+/// Sums up kernel-weighted rows of floats, two at a time: half the passes over the target.
+template <typename SourceAt>
+void weightedSum(float* target, const std::vector<float>& kernel, std::size_t count, SourceAt sourceAt) {
+    std::fill_n(target, count, 0.0F);
+    std::size_t k = 0;
+    for (; k + 1 < kernel.size(); k += 2)
+        accumulate(target, sourceAt(k), kernel[k], sourceAt(k + 1), kernel[k + 1], count);
+    if (k < kernel.size())
+        accumulate(target, sourceAt(k), kernel[k], sourceAt(k), 0.0F, count);
 }
 
 void blurRows(CoveragePlane& plane, const std::vector<float>& kernel) {
     const auto width = static_cast<std::size_t>(plane.width);
-    const std::size_t reach = kernel.size() - 1;
+    const std::size_t reach = kernel.size() / 2;
     std::vector<float> padded(width + 2 * reach, 0.0F);
     for (int y = 0; y < plane.height; ++y) {
         float* row = plane.values.data() + static_cast<std::size_t>(y) * width;
         std::copy_n(row, width, padded.begin() + static_cast<std::ptrdiff_t>(reach));
-        std::fill_n(row, width, 0.0F);
-        accumulate(row, padded.data() + reach, kernel[0], width);
-        for (std::size_t k = 1; k <= reach; ++k) {
-            accumulate(row, padded.data() + reach - k, kernel[k], width);
-            accumulate(row, padded.data() + reach + k, kernel[k], width);
-        }
+        weightedSum(row, kernel, width, [&](std::size_t k) { return padded.data() + k; });
     }
 }
 
 void blurColumns(CoveragePlane& plane, const std::vector<float>& kernel) {
     const auto width = static_cast<std::size_t>(plane.width);
-    const int reach = static_cast<int>(kernel.size()) - 1;
-    std::vector<float> result(plane.values.size(), 0.0F);
+    const int reach = static_cast<int>(kernel.size()) / 2;
+    const std::vector<float> nothing(width, 0.0F);
+    std::vector<float> result(plane.values.size());
     for (int y = 0; y < plane.height; ++y) {
-        float* target = result.data() + static_cast<std::size_t>(y) * width;
-        for (int source = std::max(0, y - reach); source <= std::min(plane.height - 1, y + reach); ++source)
-            accumulate(target, plane.values.data() + static_cast<std::size_t>(source) * width,
-                       kernel[static_cast<std::size_t>(std::abs(source - y))], width);
+        weightedSum(result.data() + static_cast<std::size_t>(y) * width, kernel, width, [&](std::size_t k) {
+            const int source = y + static_cast<int>(k) - reach;
+            if (source < 0 || source >= plane.height)
+                return nothing.data();
+            return static_cast<const float*>(plane.values.data()) + static_cast<std::size_t>(source) * width;
+        });
     }
     plane.values = std::move(result);
 }
 
-void blurDirectly(CoveragePlane& plane, double sigma) {
-    const auto kernel = halfKernel(sigma);
-    blurRows(plane, kernel);
-    blurColumns(plane, kernel);
+void blurDirectly(CoveragePlane& plane, double sigma, double shiftX, double shiftY) {
+    blurRows(plane, shiftedKernel(sigma, shiftX));
+    blurColumns(plane, shiftedKernel(sigma, shiftY));
 }
 
 /// Each value is the mean of a factor x factor square.
 CoveragePlane shrunk(const CoveragePlane& plane, int factor) {
-    CoveragePlane small;
-    small.width = (plane.width + factor - 1) / factor;
-    small.height = (plane.height + factor - 1) / factor;
-    small.values.assign(static_cast<std::size_t>(small.width) * static_cast<std::size_t>(small.height), 0.0F);
+    const int smallWidth = (plane.width + factor - 1) / factor;
+    const int smallHeight = (plane.height + factor - 1) / factor;
+    const auto width = static_cast<std::size_t>(plane.width);
+    const auto step = static_cast<std::size_t>(factor);
+    CoveragePlane small{smallWidth, smallHeight, {}};
+    small.values.reserve(static_cast<std::size_t>(smallWidth) * static_cast<std::size_t>(smallHeight));
     const float weight = 1.0F / static_cast<float>(factor * factor);
-    for (int y = 0; y < plane.height; ++y) {
-        const float* source =
-            plane.values.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(plane.width);
-        float* target = small.values.data() +
-                        static_cast<std::size_t>(y / factor) * static_cast<std::size_t>(small.width);
-        for (int x = 0; x < plane.width; ++x)
-            target[x / factor] += weight * source[x];
+    std::vector<float> column(static_cast<std::size_t>(smallWidth) * step);
+    for (int top = 0; top < plane.height; top += factor) {
+        std::fill(column.begin(), column.end(), 0.0F);
+        for (int y = top; y < std::min(top + factor, plane.height); ++y) {
+            const float* source = plane.values.data() + static_cast<std::size_t>(y) * width;
+            for (std::size_t x = 0; x < width; ++x)
+                column[x] += source[x];
+        }
+        for (std::size_t x = 0; x < column.size(); x += step) {
+            float sum = 0.0F;
+            for (std::size_t i = 0; i < step; ++i)
+                sum += column[x + i];
+            small.values.push_back(sum * weight);
+        }
     }
     return small;
 }
@@ -126,20 +151,20 @@ void enlarge(const CoveragePlane& small, int factor, CoveragePlane& plane) {
 
 }  // namespace
 
-void gaussianBlur(CoveragePlane& plane, double sigma) {
-    if (sigma <= 0.02 || plane.values.empty())
+void gaussianBlur(CoveragePlane& plane, double sigma, double shiftX, double shiftY) {
+    if (plane.values.empty())
         return;
     int factor = 1;
     while (sigma / factor >= kWideSigma)
         factor *= 2;
     if (factor == 1) {
-        blurDirectly(plane, sigma);
+        blurDirectly(plane, sigma, shiftX, shiftY);
         return;
     }
     auto small = shrunk(plane, factor);
     // Averaging squares and going back linearly blur too, by a variance of factor^2 / 4 together.
     const double ratio = sigma / factor;
-    blurDirectly(small, std::sqrt(ratio * ratio - 0.25));
+    blurDirectly(small, std::sqrt(ratio * ratio - 0.25), shiftX / factor, shiftY / factor);
     enlarge(small, factor, plane);
 }
 

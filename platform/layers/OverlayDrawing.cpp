@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPainter>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "platform/layers/GaussianBlur.h"
@@ -20,7 +21,9 @@ struct ShadowLook {
     float blue;
     float alpha;
     double sigma;
-    QPointF offset;  ///< canvas pixels, y down
+    QPoint offset;     ///< whole canvas pixels, y down
+    QPointF fraction;  ///< what remains of it, -0.5 to 0.5
+    int reach;         ///< pixels beyond the text's ink
 };
 
 std::optional<ShadowLook> lookOf(const std::optional<Shadow>& shadow, const OverlayPlace& place) {
@@ -31,18 +34,24 @@ std::optional<ShadowLook> lookOf(const std::optional<Shadow>& shadow, const Over
     const float alpha = part(shadow->opacity) * part(color.alpha);
     if (!(alpha > 0.0F))
         return std::nullopt;
-    const double radius = std::isfinite(shadow->radius) ? std::max(0.0, shadow->radius) : 0.0;
+    const auto finite = [](double value) { return std::isfinite(value) ? value : 0.0; };
+    const double sigma = std::min(std::max(0.0, finite(shadow->radius)) * place.scale, kLargestSigma);
     const double down = place.yGrowsDown ? shadow->offset.y : -shadow->offset.y;
+    // Farther than the canvas is wide and high nothing of it is seen.
+    const double farthest = place.canvas.width + place.canvas.height;
+    const QPointF offset(std::clamp(finite(shadow->offset.x) * place.scale, -farthest, farthest),
+                         std::clamp(finite(down) * place.scale, -farthest, farthest));
+    const QPoint whole = offset.toPoint();
     return ShadowLook{part(color.red),
                       part(color.green),
                       part(color.blue),
                       alpha,
-                      std::min(radius * place.scale, kLargestSigma),
-                      QPointF(shadow->offset.x, down) * place.scale};
+                      sigma,
+                      whole,
+                      offset - whole,
+                      static_cast<int>(std::ceil(kBlurReach * sigma)) + 1};
 }
 
-/// Text and shadow are drawn apart: the text's own picture, and its coverage moved by the offset and blurred.
-/// The offset is a fraction of a pixel at most scales, so the coverage is drawn at its own exact place.
 QImage drawnText(const TextShape& shape, QPointF origin, double scale, const QRect& area) {
     QImage image(area.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -62,47 +71,66 @@ CoveragePlane coverageOf(const QImage& image, QPoint at, QSize size) {
         const auto* source = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         float* target = plane.values.data() +
                         static_cast<std::size_t>(y + at.y()) * static_cast<std::size_t>(plane.width) + at.x();
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0, width = image.width(); x < width; ++x)
             target[x] = static_cast<float>(qAlpha(source[x]));
     }
     return plane;
 }
 
-std::uint8_t byteOf(float value) {
-    return static_cast<std::uint8_t>(std::min(value + 0.5F, 255.0F));
+/// The shadow's premultiplied pixel for each 8-bit coverage.
+std::array<QRgb, 256> shadowPixels(const ShadowLook& look) {
+    std::array<QRgb, 256> pixels{};
+    for (int coverage = 0; coverage < 256; ++coverage) {
+        const float alpha = static_cast<float>(coverage) * look.alpha;
+        const auto part = [alpha](float component) { return static_cast<int>(alpha * component + 0.5F); };
+        pixels[static_cast<std::size_t>(coverage)] =
+            qRgba(part(look.red), part(look.green), part(look.blue), part(1.0F));
+    }
+    return pixels;
 }
 
-void fillWithShadow(QImage& image, const CoveragePlane& plane, const ShadowLook& look) {
-    for (int y = 0; y < image.height(); ++y) {
-        const float* source =
-            plane.values.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(plane.width);
-        std::uint8_t* target = image.scanLine(y);
-        for (int x = 0; x < image.width(); ++x, target += 4) {
-            const float alpha = source[x] * look.alpha;
-            target[0] = byteOf(alpha * look.blue);
-            target[1] = byteOf(alpha * look.green);
-            target[2] = byteOf(alpha * look.red);
-            target[3] = byteOf(alpha);
-        }
+/// A premultiplied pixel x factor / 255, rounded; two components at a time.
+QRgb scaledPixel(QRgb pixel, std::uint32_t factor) {
+    const auto scaledPair = [factor](std::uint32_t pair) {
+        const std::uint32_t product = pair * factor + 0x00800080U;
+        return ((product + ((product >> 8) & 0x00FF00FFU)) >> 8) & 0x00FF00FFU;
+    };
+    return scaledPair(pixel & 0x00FF00FFU) | (scaledPair((pixel >> 8) & 0x00FF00FFU) << 8);
+}
+
+/// The shadow of a text's picture that stands at `textArea`; `area` is where it falls.
+CoveragePlane shadowCoverage(const QImage& text, const QRect& textArea, const ShadowLook& look, QRect& area) {
+    area = textArea.translated(look.offset).adjusted(-look.reach, -look.reach, look.reach, look.reach);
+    auto plane = coverageOf(text, QPoint(look.reach, look.reach), area.size());
+    gaussianBlur(plane, look.sigma, look.fraction.x(), look.fraction.y());
+    return plane;
+}
+
+/// Writes the part of the shadow that falls onto `image`, which is empty and stands at `whole`.
+void putShadow(QImage& image, const QRect& whole, const CoveragePlane& plane, const QRect& area,
+               const ShadowLook& look) {
+    const auto pixels = shadowPixels(look);
+    const QRect part = area.intersected(whole);
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        const float* source = plane.values.data() +
+                              static_cast<std::size_t>(y - area.y()) * static_cast<std::size_t>(plane.width) +
+                              (part.x() - area.x());
+        auto* target = reinterpret_cast<QRgb*>(image.scanLine(y - whole.y())) + (part.x() - whole.x());
+        for (int x = 0; x < part.width(); ++x)
+            target[x] = pixels[static_cast<std::size_t>(std::min(source[x] + 0.5F, 255.0F))];
     }
 }
 
-/// The shadow's picture, on `area` of the canvas.
-QImage drawnShadow(const TextShape& shape, QPointF origin, double scale, const QRectF& ink,
-                   const QRect& visible, const ShadowLook& look, QRect& area) {
-    const int reach = static_cast<int>(std::ceil(kBlurReach * look.sigma));
-    // What lies within the blur's reach of the canvas still darkens it.
-    const QRect inked =
-        pixelsAround(ink.translated(look.offset)).intersected(visible.adjusted(-reach, -reach, reach, reach));
-    if (inked.isEmpty())
-        return {};
-    area = inked.adjusted(-reach, -reach, reach, reach);
-    auto plane =
-        coverageOf(drawnText(shape, origin + look.offset, scale, inked), QPoint(reach, reach), area.size());
-    gaussianBlur(plane, look.sigma);
-    QImage image(area.size(), QImage::Format_ARGB32_Premultiplied);
-    fillWithShadow(image, plane, look);
-    return image;
+void putTextOver(QImage& image, const QRect& whole, const QImage& text, const QRect& textArea) {
+    const QRect part = textArea.intersected(whole);
+    const auto width = part.width();
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        const auto* source =
+            reinterpret_cast<const QRgb*>(text.constScanLine(y - textArea.y())) + (part.x() - textArea.x());
+        auto* target = reinterpret_cast<QRgb*>(image.scanLine(y - whole.y())) + (part.x() - whole.x());
+        for (int x = 0; x < width; ++x)
+            target[x] = source[x] + scaledPixel(target[x], 255U - (source[x] >> 24));
+    }
 }
 
 /// The smallest rectangle that holds every pixel that is not transparent.
@@ -153,22 +181,28 @@ std::optional<PlacedOverlay> drawOverlay(const TextShape& shape, const std::opti
     const QRectF ink(origin + shape.bounds().topLeft() * place.scale, shape.bounds().size() * place.scale);
     const QRect canvas(0, 0, static_cast<int>(std::ceil(place.canvas.width)),
                        static_cast<int>(std::ceil(place.canvas.height)));
-    const QRect textArea = pixelsAround(ink).intersected(canvas);
     const auto look = lookOf(shadow, place);
-    QRect shadowArea;
-    QImage shadowImage;
+    // Text beyond the canvas still throws its shadow onto it.
+    QRect drawable = canvas;
     if (look)
-        shadowImage = drawnShadow(shape, origin, place.scale, ink, canvas, *look, shadowArea);
-    const QRect whole = textArea.united(shadowArea).intersected(canvas);
-    if (whole.isEmpty())
+        drawable |=
+            canvas.translated(-look->offset).adjusted(-look->reach, -look->reach, look->reach, look->reach);
+    const QRect textArea = pixelsAround(ink).intersected(drawable);
+    if (textArea.isEmpty())
         return std::nullopt;
-    QImage picture(whole.size(), QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    {
-        QPainter painter(&picture);
-        if (!shadowImage.isNull())
-            painter.drawImage(shadowArea.topLeft() - whole.topLeft(), shadowImage);
-        shape.draw(painter, origin - whole.topLeft(), place.scale);
+    const QImage text = drawnText(shape, origin, place.scale, textArea);
+    QRect whole = textArea;
+    QImage picture = text;
+    if (look) {
+        QRect shadowArea;
+        const auto plane = shadowCoverage(text, textArea, *look, shadowArea);
+        whole = textArea.united(shadowArea).intersected(canvas);
+        if (whole.isEmpty())
+            return std::nullopt;
+        picture = QImage(whole.size(), QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::transparent);
+        putShadow(picture, whole, plane, shadowArea, *look);
+        putTextOver(picture, whole, text, textArea);
     }
     const QRect tight = inkOf(picture);
     if (tight.isEmpty())

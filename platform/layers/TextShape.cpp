@@ -37,7 +37,7 @@ QColor toQColor(const Color& color) {
     return QColor::fromRgbF(part(rgb.red), part(rgb.green), part(rgb.blue), part(rgb.alpha));
 }
 
-QList<QTextLayout::FormatRange> emojiFormats(const QString& text, const QFont& font,
+QList<QTextLayout::FormatRange> emojiFormats(const std::vector<TextRun>& emoji, const QFont& font,
                                              const FontLookup& fonts) {
     QList<QTextLayout::FormatRange> formats;
     if (!fonts.emojiFamily())
@@ -50,7 +50,7 @@ QList<QTextLayout::FormatRange> emojiFormats(const QString& text, const QFont& f
     emojiFont.setWeight(QFont::Normal);
     emojiFont.setItalic(false);
     format.setFont(emojiFont);
-    for (const auto& run : emojiRuns(text))
+    for (const auto& run : emoji)
         formats.push_back({run.start, run.length, format});
     return formats;
 }
@@ -109,15 +109,14 @@ TextShape::TextShape(const TextContent& content, Size box, const FontLookup& fon
     QFont font = fonts.font(content.fontPostScriptName, kLayoutPixelsPerEm);
     if (eastAsianFamily)
         font.setFamilies(font.families() << QString::fromStdString(*eastAsianFamily));
-    QTextLayout layout(text, font);
-    layout.setFormats(emojiFormats(text, font, fonts));
+    const auto marked = fonts.emojiFamily() ? markEmoji(text) : EmojiText{text, {}};
+    QTextLayout layout(marked.text, font);
+    layout.setFormats(emojiFormats(marked.emoji, font, fonts));
     layOut(layout, font, std::clamp(box.width / unit_, 1.0, kWidestLayout),
            std::clamp(box.height / unit_, 0.0, kWidestLayout), content.wrapped);
     lineCount_ = layout.lineCount();
-    outlines_.setFillRule(Qt::WindingFill);
     for (const auto& run : layout.glyphRuns())
         addRun(run, unit_);
-    bounds_ |= outlines_.controlPointRect();
 }
 
 void TextShape::addRun(const QGlyphRun& run, double unit) {
@@ -133,7 +132,12 @@ void TextShape::addRun(const QGlyphRun& run, double unit) {
     const auto positions = run.positions();
     for (qsizetype i = 0; i < glyphs.size(); ++i) {
         const QTransform place(unit, 0.0, 0.0, unit, positions[i].x() * unit, positions[i].y() * unit);
-        outlines_.addPath(place.map(font.pathForGlyph(glyphs[i])));
+        QPainterPath outline = place.map(font.pathForGlyph(glyphs[i]));
+        if (outline.isEmpty())
+            continue;
+        outline.setFillRule(Qt::WindingFill);
+        bounds_ |= outline.controlPointRect();
+        outlines_.push_back(std::move(outline));
     }
 }
 
@@ -143,7 +147,8 @@ void TextShape::draw(QPainter& painter, QPointF origin, double scale) const {
                            QPainter::SmoothPixmapTransform);
     painter.translate(origin);
     painter.scale(scale, scale);
-    painter.fillPath(outlines_, color_);
+    for (const auto& outline : outlines_)
+        painter.fillPath(outline, color_);
     painter.setOpacity(color_.alphaF());
     painter.setPen(color_);
     painter.scale(unit_, unit_);

@@ -27,7 +27,7 @@ class TextShape {
               const std::optional<std::string>& eastAsianFamily);
 
     /// Nothing to see: no text, only blanks, or no size.
-    bool isEmpty() const { return outlines_.isEmpty() && colorRuns_.empty(); }
+    bool isEmpty() const { return outlines_.empty() && colorRuns_.empty(); }
     int lineCount() const { return lineCount_; }
     /// Everything drawn lies within, in the box's units from its top left corner, y down.
     const QRectF& bounds() const { return bounds_; }
@@ -43,7 +43,9 @@ class TextShape {
     };
     void addRun(const QGlyphRun& run, double unit);
 
-    QPainterPath outlines_;  ///< in the box's units
+    /// One a glyph, in the box's units: the rasteriser is quicker with many short outlines than with a long
+    /// one.
+    std::vector<QPainterPath> outlines_;
     std::vector<ColorRun> colorRuns_;
     QRectF bounds_;
     QColor color_;
