@@ -1,0 +1,30 @@
+// The store on disk: one file for each key, replaced atomically, so that a crash or a full disk leaves the
+// old value or the new one.
+#pragma once
+
+#include <QString>
+
+#include "platform/defaults/UserDefaults.h"
+
+namespace korvane {
+
+class FileUserDefaults : public UserDefaults {
+  public:
+    /// \param folder  made when something is stored for the first time.
+    explicit FileUserDefaults(QString folder = userFolder());
+
+    /// "korvane" in the user's configuration folder ($XDG_CONFIG_HOME, else ~/.config).
+    static QString userFolder();
+
+    /// The file that holds a key: "<key>.json"; characters that a file name can't have are percent-encoded.
+    QString fileFor(const std::string& key) const;
+
+    std::optional<QByteArray> data(const std::string& key) const override;
+    bool setData(const QByteArray& data, const std::string& key) override;
+    bool remove(const std::string& key) override;
+
+  private:
+    QString folder_;
+};
+
+}  // namespace korvane
