@@ -1,0 +1,17 @@
+#include "editor/EditorPlatform.h"
+
+#include <utility>
+
+namespace korvane {
+
+EditorPlatform realEditorPlatform() {
+    return {
+        [](const std::filesystem::path& path) { return std::make_shared<Asset>(path); },
+        [] { return std::make_shared<Composition>(); },
+        [](std::shared_ptr<const Composition> composition, ExportPreset preset) {
+            return makeExportSession(std::move(composition), preset);
+        },
+    };
+}
+
+}  // namespace korvane
