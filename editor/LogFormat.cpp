@@ -50,14 +50,16 @@ std::string formatSeconds(MediaTime time) {
 }
 
 std::string formatSize(Size size) {
-    return "(" + formatDecimal(size.width) + ", " + formatDecimal(size.height) + ")";
+    std::string text = "(";  // g++ 12 warns wrongly about "(" + a temporary string
+    text += formatDecimal(size.width) + ", " + formatDecimal(size.height) + ")";
+    return text;
 }
 
 std::string formatTransform(const AffineTransform& transform) {
     std::string text = "[";
     for (const double number :
          {transform.a, transform.b, transform.c, transform.d, transform.tx, transform.ty})
-        text += (text.size() > 1 ? ", " : "") + formatDecimal(number);
+        text.append(text.size() > 1 ? ", " : "").append(formatDecimal(number));
     return text + "]";
 }
 
