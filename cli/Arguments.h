@@ -1,0 +1,61 @@
+// What the person asked for, read from the command's arguments. Nothing here touches a file.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "cli/TranscriptFormat.h"
+#include "cli/WordSelection.h"
+
+namespace korvane::cli {
+
+/// Help for one command, or for the program when `topic` is empty.
+struct HelpRequest {
+    std::string topic;
+};
+struct VersionRequest {};
+struct LanguagesRequest {};
+
+struct TranscribeRequest {
+    std::filesystem::path video;
+    std::string language;                         ///< one of the nine identifiers
+    std::optional<std::filesystem::path> output;  ///< none: standard output
+    TranscriptFormat format = TranscriptFormat::text;
+};
+
+/// How the chosen words become a reel.
+struct ReelOptions {
+    std::filesystem::path output = "korvane_output.mp4";
+    std::optional<std::filesystem::path> style;  ///< none: the saved style
+    WordSpans selected;                          ///< empty: every word
+    WordSpans dropped;
+};
+
+struct ReelRequest {
+    std::filesystem::path video;
+    std::string language;  ///< one of the nine identifiers
+    ReelOptions reel;
+};
+
+struct ExportRequest {
+    std::filesystem::path video;
+    std::filesystem::path words;  ///< "-": standard input
+    ReelOptions reel;
+};
+
+using Request = std::variant<HelpRequest, VersionRequest, LanguagesRequest, TranscribeRequest, ReelRequest,
+                             ExportRequest>;
+
+struct Invocation {
+    Request request;
+    bool quiet = false;
+};
+
+/// \param arguments  without the program's name.
+/// \throws UsageError
+Invocation parseArguments(const std::vector<std::string>& arguments);
+
+}  // namespace korvane::cli

@@ -1,0 +1,119 @@
+#include "cli/Help.h"
+
+#include "cli/UsageError.h"
+
+namespace korvane::cli {
+namespace {
+
+constexpr std::string_view program =
+    R"(Korvane turns a spoken video into a short portrait reel with burned-in, word-timed
+subtitles.
+
+Usage:
+  korvane-cli reel VIDEO --language LANGUAGE [--output OUT.mp4]
+  korvane-cli transcribe VIDEO --language LANGUAGE [--output FILE]
+  korvane-cli export VIDEO --words WORDS.json [--output OUT.mp4]
+  korvane-cli languages
+
+Commands:
+  reel         transcribe a video and make the reel of its words
+  transcribe   write the words of a video with their times
+  export       make the reel from words that you have edited or made elsewhere
+  languages    list the nine languages and what is installed for each
+  help         show this, or "help COMMAND" for one command
+
+Options of every command:
+  -q, --quiet    print nothing but results and errors
+  -h, --help     show help, also behind a command
+  -V, --version  show the version
+
+Results go to standard output, so do the diagnostic lines of an export; progress and
+errors go to standard error.
+
+Exit codes:
+  0    done
+  1    failed; one sentence on standard error says why
+  2    the command was used wrongly
+  130  stopped by Ctrl-C; nothing half-written is left
+)";
+
+constexpr std::string_view reel =
+    R"(Transcribes a video and makes the reel of its words: 1080 x 1920, H.264 and AAC in MP4.
+
+Usage: korvane-cli reel VIDEO --language LANGUAGE [options]
+
+  -l, --language LANGUAGE  the language spoken, such as en-US; see korvane-cli languages
+  -o, --output OUT.mp4     the reel; an existing file is replaced
+                           (korvane_output.mp4 in the current folder)
+)";
+
+constexpr std::string_view exporting = R"(Makes the reel of chosen words: 1080 x 1920, H.264 and AAC in MP4.
+
+Usage: korvane-cli export VIDEO --words WORDS.json [options]
+
+  -w, --words WORDS.json   the words, or - for standard input: what korvane-cli transcribe
+                           writes as JSON, an object
+                           {"language": "en-US", "duration": 61.2, "words":
+                           [{"text": "So", "start": 0.31, "end": 0.52}, ...]}
+                           of which only "words" is required, or just the array of words;
+                           times are seconds of the video
+  -o, --output OUT.mp4     the reel; an existing file is replaced
+                           (korvane_output.mp4 in the current folder)
+)";
+
+constexpr std::string_view reelOptions = R"(  -s, --select WORDS       the words to keep (all)
+  -d, --drop WORDS         words to leave out of those
+      --style STYLE.json   the subtitle style (the saved style, else the defaults)
+  -q, --quiet              print nothing but errors
+  -h, --help               show this
+
+WORDS are indices that count from 0, separated by commas:
+  8      one word
+  0-5    the words 0 to 5, both included
+  12-    the word 12 and all behind it
+  -3     all words up to and including 3
+  0..5   the words 0 to 4; the end is not included
+Both options may be given again. The reel has each word once, in the order of the
+transcript.
+)";
+
+constexpr std::string_view transcribe = R"(Writes the words of a video with their times.
+
+Usage: korvane-cli transcribe VIDEO --language LANGUAGE [options]
+
+  -l, --language LANGUAGE  the language spoken, such as en-US; see korvane-cli languages
+  -o, --output FILE        where to write; an existing file is replaced (standard output)
+  -f, --format FORMAT      text, json, srt or vtt (by the ending of FILE, else text);
+                           json is what korvane-cli export reads
+  -q, --quiet              print nothing but the words and errors
+  -h, --help               show this
+)";
+
+constexpr std::string_view languages = R"(Lists the nine languages and what is installed to recognise each.
+
+Usage: korvane-cli languages
+
+  -h, --help  show this
+)";
+
+}  // namespace
+
+std::string helpText(std::string_view topic) {
+    if (topic.empty() || topic == "help")
+        return std::string(program);
+    if (topic == "reel")
+        return std::string(reel).append(reelOptions);
+    if (topic == "export")
+        return std::string(exporting).append(reelOptions);
+    if (topic == "transcribe")
+        return std::string(transcribe);
+    if (topic == "languages")
+        return std::string(languages);
+    throw UsageError("There is no command \"" + std::string(topic) + "\"; korvane-cli --help lists them.");
+}
+
+std::string versionText() {
+    return "korvane-cli " KORVANE_VERSION "\n";
+}
+
+}  // namespace korvane::cli

@@ -1,0 +1,52 @@
+#include "cli/Process.h"
+
+#include <fcntl.h>
+#include <langinfo.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <QString>
+#include <QtGlobal>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace korvane::cli {
+namespace {
+
+void fillStandardStreams() {
+    for (int number = 0; number <= 2; ++number)
+        if (fcntl(number, F_GETFD) == -1)
+            open("/dev/null", number == 0 ? O_RDONLY : O_WRONLY);  // takes the lowest free number
+}
+
+// Qt insists on UTF-8 and says so on standard error, which nobody asked about.
+void useUtf8() {
+    std::setlocale(LC_CTYPE, "");
+    if (std::string_view(nl_langinfo(CODESET)) != "UTF-8")
+        setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+// What goes wrong reaches the person as one sentence from the service that met it.
+void dropLibraryChatter(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtFatalMsg)
+        std::fputs((message.toStdString() + "\n").c_str(), stderr);
+}
+
+}  // namespace
+
+void prepareProcess() {
+    fillStandardStreams();
+    signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
+    useUtf8();
+    qInstallMessageHandler(dropLibraryChatter);
+}
+
+void settleLocale() {
+    std::setlocale(LC_NUMERIC, "C");
+    std::setlocale(LC_MESSAGES, "C");
+}
+
+}  // namespace korvane::cli
