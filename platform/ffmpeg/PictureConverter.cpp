@@ -9,6 +9,7 @@ extern "C" {
 #include <cstring>
 #include <optional>
 
+#include "platform/ffmpeg/CanvasPictures.h"
 #include "platform/ffmpeg/ColorDescription.h"
 #include "platform/ffmpeg/FramePool.h"
 #include "platform/ffmpeg/Handles.h"
@@ -88,15 +89,6 @@ std::optional<Plan> planFor(const AVFrame& frame, const PicturePlacement& p) {
     if (plan.width <= 0 || plan.height <= 0 || plan.seen.width <= 0.0 || plan.seen.height <= 0.0)
         return std::nullopt;
     return plan;
-}
-
-void fillBlack(AVFrame& frame) {
-    const int chromaRows = (frame.height + 1) / 2;
-    std::memset(frame.data[0], 16,
-                static_cast<std::size_t>(frame.linesize[0]) * static_cast<std::size_t>(frame.height));
-    for (int i = 1; i < 3; ++i)
-        std::memset(frame.data[i], 128,
-                    static_cast<std::size_t>(frame.linesize[i]) * static_cast<std::size_t>(chromaRows));
 }
 
 }  // namespace

@@ -1,0 +1,86 @@
+#include "platform/av/Asset.h"
+
+#include <algorithm>
+
+#include "platform/ffmpeg/MediaProbe.h"
+
+namespace korvane {
+
+const char* mediaTypeName(MediaType type) {
+    switch (type) {
+        case MediaType::video:
+            return "vide";
+        case MediaType::audio:
+            return "soun";
+    }
+    return "";
+}
+
+struct Asset::Contents {
+    MediaTime duration;
+    std::vector<AssetTrack> tracks;
+    std::vector<bool> decodable;  ///< track by track
+};
+
+Asset::Asset(std::filesystem::path path) : path_(std::move(path)) {}
+Asset::~Asset() = default;
+
+const Asset::Contents& Asset::contents() {
+    const std::scoped_lock lock(mutex_);
+    if (contents_)
+        return *contents_;
+    const MediaFacts facts = probeMedia(path_);
+    auto read = std::make_unique<Contents>();
+    read->duration = facts.duration;
+    for (const StreamFacts& stream : facts.streams) {
+        AssetTrack track;
+        track.path = path_;
+        track.mediaType = stream.isVideo ? MediaType::video : MediaType::audio;
+        track.streamIndex = stream.index;
+        track.timeRange = stream.timeRange;
+        track.naturalSize = stream.naturalSize;
+        track.preferredTransform = stream.orientation;
+        track.nominalFrameRate = static_cast<float>(stream.framesPerSecond);
+        track.sampleRateHz = stream.sampleRateHz;
+        track.channels = stream.channels;
+        read->tracks.push_back(track);
+        read->decodable.push_back(stream.decodable);
+    }
+    contents_ = std::move(read);
+    return *contents_;
+}
+
+bool Asset::isReadable() {
+    try {
+        return !contents().tracks.empty();
+    } catch (const std::exception&) {
+        return false;  // whoever loads the tracks gets the reason
+    }
+}
+
+bool Asset::isPlayable() {
+    if (!isReadable())
+        return false;
+    const Contents& c = contents();
+    bool seen[2] = {};
+    for (std::size_t i = 0; i < c.tracks.size(); ++i) {
+        bool& first = seen[c.tracks[i].mediaType == MediaType::video ? 0 : 1];
+        if (!first && !c.decodable[i])
+            return false;
+        first = true;
+    }
+    return true;
+}
+
+std::vector<AssetTrack> Asset::loadTracks(MediaType type) {
+    std::vector<AssetTrack> result;
+    std::ranges::copy_if(contents().tracks, std::back_inserter(result),
+                         [type](const AssetTrack& t) { return t.mediaType == type; });
+    return result;
+}
+
+MediaTime Asset::loadDuration() {
+    return contents().duration;
+}
+
+}  // namespace korvane

@@ -1,0 +1,36 @@
+// Reads what a source file is made of.
+#pragma once
+
+#include <filesystem>
+#include <stop_token>
+#include <vector>
+
+#include "platform/geometry/Geometry.h"
+#include "platform/time/MediaTime.h"
+
+namespace korvane {
+
+struct StreamFacts {
+    int index = 0;
+    bool isVideo = false;  ///< else sound; other kinds and attached pictures are not listed
+    bool decodable = false;
+    TimeRange timeRange;  ///< on the file's time line
+
+    Size naturalSize;             ///< pixel aspect applied to the width, before orientation
+    AffineTransform orientation;  ///< in natural size units, moved so that the picture's corner is the origin
+    double framesPerSecond = 0.0;
+
+    int sampleRateHz = 0;
+    int channels = 0;
+};
+
+struct MediaFacts {
+    std::vector<StreamFacts> streams;  ///< in the file's order
+    MediaTime duration;                ///< end of the longest stream, never negative
+};
+
+/// Reads headers; reads every packet (without decoding) only where the headers don't know how long the file
+/// is. \throws MediaError when the file can't be opened or understood, CancellationError.
+MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop = {});
+
+}  // namespace korvane
