@@ -1,0 +1,26 @@
+// The reel that two commands make.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+#include "cli/Commands.h"
+#include "model/SpeechSegment.h"
+#include "model/SubtitleSettings.h"
+
+namespace korvane::cli {
+
+/// The style of `file`, else the saved one, else the defaults.
+/// \throws Failure naming the file and what is wrong in it; CancellationError.
+SubtitleSettings chosenStyle(const std::optional<std::filesystem::path>& file, const CommandContext& context,
+                             const std::stop_token& stop);
+
+/// Exports the words that the options choose.
+/// \throws UsageError for a selection outside the words, the editor's own errors, CancellationError.
+CommandOutput makeReel(const std::filesystem::path& video, const std::vector<SpeechSegment>& words,
+                       const SubtitleSettings& style, const ReelOptions& options,
+                       const CommandContext& context, const std::stop_token& stop);
+
+}  // namespace korvane::cli
