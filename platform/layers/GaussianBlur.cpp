@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace korvane {
 namespace {
@@ -10,22 +11,30 @@ namespace {
 /// one's Nyquist frequency.
 constexpr double kWideSigma = 5.0;
 
-/// Below this the samples of the bell are too few to stand for it; what remains is the move.
+/// Below this nothing is blurred; what remains is a move by a fraction of a pixel, done linearly.
 constexpr double kNarrowestSigma = 0.3;
 
-/// Weights for the sources at -reach to +reach; they sum up to 1.
+/// The Gaussian's share of everything left of `x`.
+double gaussianIntegral(double x, double sigma) {
+    return 0.5 * std::erfc(-x / (sigma * std::numbers::sqrt2));
+}
+
+double weightAt(double distance, double sigma) {
+    if (sigma < kNarrowestSigma)
+        return std::max(0.0, 1.0 - std::abs(distance));
+    return gaussianIntegral(distance + 0.5, sigma) - gaussianIntegral(distance - 0.5, sigma);
+}
+
+/// Weights for the sources at -reach to +reach; they sum up to 1. Each is the Gaussian's integral over a
+/// pixel, not its value in the middle, so that edges between pixels fade exactly as they should.
 std::vector<float> shiftedKernel(double sigma, double shift) {
     const int reach = std::max(1, static_cast<int>(std::ceil(3.5 * sigma + std::abs(shift))));
     std::vector<double> weights;
     double sum = 0.0;
     for (int k = -reach; k <= reach; ++k) {
         // A picture moved to the right takes its values from the left.
-        const double distance = k + shift;
-        const double weight = sigma < kNarrowestSigma
-                                  ? std::max(0.0, 1.0 - std::abs(distance))
-                                  : std::exp(-0.5 * distance * distance / (sigma * sigma));
-        weights.push_back(weight);
-        sum += weight;
+        weights.push_back(weightAt(k + shift, sigma));
+        sum += weights.back();
     }
     std::vector<float> kernel;
     for (const double weight : weights)
@@ -82,33 +91,6 @@ void blurDirectly(CoveragePlane& plane, double sigma, double shiftX, double shif
     blurColumns(plane, shiftedKernel(sigma, shiftY));
 }
 
-/// Each value is the mean of a factor x factor square.
-CoveragePlane shrunk(const CoveragePlane& plane, int factor) {
-    const int smallWidth = (plane.width + factor - 1) / factor;
-    const int smallHeight = (plane.height + factor - 1) / factor;
-    const auto width = static_cast<std::size_t>(plane.width);
-    const auto step = static_cast<std::size_t>(factor);
-    CoveragePlane small{smallWidth, smallHeight, {}};
-    small.values.reserve(static_cast<std::size_t>(smallWidth) * static_cast<std::size_t>(smallHeight));
-    const float weight = 1.0F / static_cast<float>(factor * factor);
-    std::vector<float> column(static_cast<std::size_t>(smallWidth) * step);
-    for (int top = 0; top < plane.height; top += factor) {
-        std::fill(column.begin(), column.end(), 0.0F);
-        for (int y = top; y < std::min(top + factor, plane.height); ++y) {
-            const float* source = plane.values.data() + static_cast<std::size_t>(y) * width;
-            for (std::size_t x = 0; x < width; ++x)
-                column[x] += source[x];
-        }
-        for (std::size_t x = 0; x < column.size(); x += step) {
-            float sum = 0.0F;
-            for (std::size_t i = 0; i < step; ++i)
-                sum += column[x + i];
-            small.values.push_back(sum * weight);
-        }
-    }
-    return small;
-}
-
 /// The two values between which a large plane's pixel lies, and the second one's share.
 struct Between {
     int first;
@@ -127,27 +109,73 @@ std::vector<Between> positions(int largeCount, int smallCount, int factor) {
     return result;
 }
 
-/// The inverse of shrunk(): linear between the squares' centres.
-void enlarge(const CoveragePlane& small, int factor, CoveragePlane& plane) {
-    const auto columns = positions(plane.width, small.width, factor);
-    const auto rows = positions(plane.height, small.height, factor);
-    const auto smallWidth = static_cast<std::size_t>(small.width);
-    std::vector<float> mixed(smallWidth);
-    for (int y = 0; y < plane.height; ++y) {
-        const auto& row = rows[static_cast<std::size_t>(y)];
-        const float* upper = small.values.data() + static_cast<std::size_t>(row.first) * smallWidth;
-        const float* lower = small.values.data() + static_cast<std::size_t>(row.second) * smallWidth;
-        for (std::size_t x = 0; x < smallWidth; ++x)
-            mixed[x] = upper[x] + (lower[x] - upper[x]) * row.share;
-        float* target =
-            plane.values.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(plane.width);
-        for (std::size_t x = 0; x < columns.size(); ++x) {
-            const float left = mixed[static_cast<std::size_t>(columns[x].first)];
-            const float right = mixed[static_cast<std::size_t>(columns[x].second)];
-            target[x] = left + (right - left) * columns[x].share;
+/// A plane and its smaller stand-in; the way there and the way back are linear both, which keeps everything
+/// exactly where it is.
+class Resizing {
+  public:
+    Resizing(const CoveragePlane& plane, int factor)
+        : factor_(factor),
+          small_{(plane.width + factor - 1) / factor, (plane.height + factor - 1) / factor, {}},
+          columns_(positions(plane.width, small_.width, factor)),
+          rows_(positions(plane.height, small_.height, factor)) {}
+
+    CoveragePlane shrunk(const CoveragePlane& plane) const {
+        // Whole rows first: that is quick, and leaves few rows to narrow.
+        const auto width = static_cast<std::size_t>(plane.width);
+        std::vector<float> lowered(width * static_cast<std::size_t>(small_.height), 0.0F);
+        for (int y = 0; y < plane.height; ++y) {
+            const auto& row = rows_[static_cast<std::size_t>(y)];
+            const float* source = plane.values.data() + static_cast<std::size_t>(y) * width;
+            addScaled(lowered.data() + static_cast<std::size_t>(row.first) * width, source, 1.0F - row.share,
+                      width);
+            addScaled(lowered.data() + static_cast<std::size_t>(row.second) * width, source, row.share,
+                      width);
+        }
+        CoveragePlane small = small_;
+        const auto smallWidth = static_cast<std::size_t>(small.width);
+        small.values.assign(smallWidth * static_cast<std::size_t>(small.height), 0.0F);
+        const float weight = 1.0F / static_cast<float>(factor_ * factor_);
+        for (std::size_t y = 0; y < static_cast<std::size_t>(small.height); ++y) {
+            float* target = small.values.data() + y * smallWidth;
+            for (std::size_t x = 0; x < width; ++x) {
+                const auto& column = columns_[x];
+                const float value = lowered[y * width + x] * weight;
+                target[column.first] += value * (1.0F - column.share);
+                target[column.second] += value * column.share;
+            }
+        }
+        return small;
+    }
+
+    void enlarge(const CoveragePlane& small, CoveragePlane& plane) const {
+        const auto smallWidth = static_cast<std::size_t>(small.width);
+        std::vector<float> mixed(smallWidth);
+        for (int y = 0; y < plane.height; ++y) {
+            const auto& row = rows_[static_cast<std::size_t>(y)];
+            const float* upper = small.values.data() + static_cast<std::size_t>(row.first) * smallWidth;
+            const float* lower = small.values.data() + static_cast<std::size_t>(row.second) * smallWidth;
+            for (std::size_t x = 0; x < smallWidth; ++x)
+                mixed[x] = upper[x] + (lower[x] - upper[x]) * row.share;
+            float* target = plane.values.data() + static_cast<std::size_t>(y) * columns_.size();
+            for (std::size_t x = 0; x < columns_.size(); ++x) {
+                const float left = mixed[static_cast<std::size_t>(columns_[x].first)];
+                const float right = mixed[static_cast<std::size_t>(columns_[x].second)];
+                target[x] = left + (right - left) * columns_[x].share;
+            }
         }
     }
-}
+
+  private:
+    static void addScaled(float* target, const float* source, float weight, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i)
+            target[i] += source[i] * weight;
+    }
+
+    int factor_;
+    CoveragePlane small_;  ///< its size only
+    std::vector<Between> columns_;
+    std::vector<Between> rows_;
+};
 
 }  // namespace
 
@@ -161,11 +189,14 @@ void gaussianBlur(CoveragePlane& plane, double sigma, double shiftX, double shif
         blurDirectly(plane, sigma, shiftX, shiftY);
         return;
     }
-    auto small = shrunk(plane, factor);
-    // Averaging squares and going back linearly blur too, by a variance of factor^2 / 4 together.
+    const Resizing resizing(plane, factor);
+    auto small = resizing.shrunk(plane);
+    // Linear both ways blurs too, by a variance of factor^2 / 6 + 1 / 12 each time, and so does the kernel's
+    // integrating over pixels, by 1 / 12 of the small ones.
     const double ratio = sigma / factor;
-    blurDirectly(small, std::sqrt(ratio * ratio - 0.25), shiftX / factor, shiftY / factor);
-    enlarge(small, factor, plane);
+    const double already = 1.0 / 3.0 + 1.0 / (6.0 * factor * factor) + 1.0 / 12.0;
+    blurDirectly(small, std::sqrt(ratio * ratio - already), shiftX / factor, shiftY / factor);
+    resizing.enlarge(small, plane);
 }
 
 }  // namespace korvane

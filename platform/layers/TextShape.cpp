@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QStringList>
 #include <QTextCharFormat>
 #include <QTextLayout>
 #include <algorithm>
@@ -19,16 +20,20 @@ constexpr int kLayoutPixelsPerEm = 200;
 /// The text engine's fixed-point numbers end a little above.
 constexpr double kWidestLayout = 1 << 24;
 
+/// One text with line separators; blanks at a line's ends would push it off its centre.
 QString displayText(const std::string& utf8) {
     QString text = QString::fromStdString(utf8);
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     for (QChar& c : text) {
-        if (c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QChar::ParagraphSeparator)
-            c = QChar::LineSeparator;
-        else if (c.category() == QChar::Other_Control)
+        if (c == QLatin1Char('\r') || c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
+            c = QLatin1Char('\n');
+        else if (c.category() == QChar::Other_Control && c != QLatin1Char('\n'))
             c = QLatin1Char(' ');
     }
-    return text;
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString& line : lines)
+        line = line.trimmed();
+    return lines.join(QChar::LineSeparator);
 }
 
 QColor toQColor(const Color& color) {
@@ -76,6 +81,8 @@ void layOut(QTextLayout& layout, const QFont& font, double boxWidth, double boxH
     QTextOption option(Qt::AlignHCenter);
     option.setWrapMode(wrapped ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);
     option.setUseDesignMetrics(true);
+    // The first letter that has a direction decides for the whole line.
+    option.setTextDirection(layout.text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     layout.setTextOption(option);
     layout.setCacheEnabled(true);
     layout.beginLayout();
