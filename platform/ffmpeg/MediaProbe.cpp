@@ -72,16 +72,19 @@ MediaTime clampedTime(std::int64_t ticks, AVRational base) {
     return timeOfTicks(std::max<std::int64_t>(0, ticks), base);
 }
 
-/// End of the last packet that the index of an ISO media file knows, in the stream's ticks.
-std::int64_t indexEnd(const AVStream& constStream) {
-    auto& stream = const_cast<AVStream&>(constStream);  // the look-up has no const form
+struct IndexEnd {
+    std::int64_t last = AV_NOPTS_VALUE;  ///< decoding time of the last packet
+    std::int64_t step = 0;               ///< mean distance of packets
+};
+
+/// The last packet that the index of an ISO media file knows, in the stream's ticks.
+IndexEnd indexEnd(AVStream& stream) {
     const int count = avformat_index_get_entries_count(&stream);
     if (count <= 0)
-        return AV_NOPTS_VALUE;
+        return {};
     const AVIndexEntry* last = avformat_index_get_entry(&stream, count - 1);
     const AVIndexEntry* first = avformat_index_get_entry(&stream, 0);
-    const std::int64_t step = count > 1 ? (last->timestamp - first->timestamp) / (count - 1) : 0;
-    return last->timestamp + step;
+    return {last->timestamp, count > 1 ? (last->timestamp - first->timestamp) / (count - 1) : 0};
 }
 
 struct Extent {
@@ -90,20 +93,23 @@ struct Extent {
 };
 
 /// Start and end of a stream as the headers tell, in ticks after time 0; an end they don't know stays unset.
-Extent extentFromHeaders(const Demuxer& demuxer, int index, bool trustIndex) {
-    const AVStream& stream = *demuxer.stream(index);
-    const std::int64_t zero = demuxer.zeroTicks(index);
+Extent extentFromHeaders(const Demuxer& demuxer, int streamIndex, bool trustIndex) {
+    AVStream& stream = *demuxer.stream(streamIndex);
+    const std::int64_t zero = demuxer.zeroTicks(streamIndex);
     Extent extent;
     extent.start = (stream.start_time == AV_NOPTS_VALUE ? zero : stream.start_time) - zero;
     if (stream.duration != AV_NOPTS_VALUE && stream.duration > 0)
         extent.end = extent.start + stream.duration;
     if (!trustIndex)
         return extent;
-    const std::int64_t indexed = indexEnd(stream);
+    const IndexEnd index = indexEnd(stream);
+    if (index.last == AV_NOPTS_VALUE)
+        return extent;
+    const std::int64_t last = index.last - zero;
     const auto slack = static_cast<std::int64_t>(kBelievableSlack / av_q2d(stream.time_base));
-    if (indexed != AV_NOPTS_VALUE &&
-        (extent.end == AV_NOPTS_VALUE || std::abs(extent.end - (indexed - zero)) > slack))
-        extent.end = indexed - zero;
+    // Nobody knows how long the last packet lasts, so anything up to a mean step is believed.
+    if (extent.end == AV_NOPTS_VALUE || extent.end < last - slack || extent.end > last + index.step + slack)
+        extent.end = last + index.step;
     return extent;
 }
 
