@@ -164,6 +164,12 @@ TEST_F(SegmentCompositionBuilderTest, theShortestWordThatCountsIsOneUnit) {
     EXPECT_EQ(video(data).at(1), (Piece{range(1800, 1), range(600, 1)}));
 }
 
+TEST_F(SegmentCompositionBuilderTest, aWordsLengthIsTheDifferenceOfItsRoundedTimes) {
+    // 600.24 and 1200.72 units round to 600 and 1201; their difference alone would round to 600.
+    const CompositionData data = fixture.build({{"kept", 0.0, 1.0}, {"w", 1.0004, 2.0012}});
+    EXPECT_EQ(video(data).at(1), (Piece{range(600, 601), range(600, 601)}));
+}
+
 TEST_F(SegmentCompositionBuilderTest, hugeTimesAreHeldToTheVideo) {
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(video(fixture.build({{"all", -infinity, infinity}})),
