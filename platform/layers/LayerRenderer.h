@@ -34,6 +34,7 @@ class LayerRenderer {
     /// \param videoLayer  the layer the video is drawn into; what stands above it in the tree is drawn.
     /// \param renderSize  size of the tree's root, in its own units.
     /// \param canvasScale  canvas pixels per unit: 1 for the export, less for a smaller preview.
+    /// \throws FontError when there is text in the tree and no font is installed.
     LayerRenderer(std::shared_ptr<const Layer> parentLayer, std::shared_ptr<const Layer> videoLayer,
                   Size renderSize, double canvasScale = 1.0);
     ~LayerRenderer();
