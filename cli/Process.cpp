@@ -10,10 +10,14 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 namespace korvane::cli {
 namespace {
+
+constexpr const char* runtimeVariable = "XDG_RUNTIME_DIR";
 
 void fillStandardStreams() {
     for (int number = 0; number <= 2; ++number)
@@ -47,6 +51,26 @@ void prepareProcess() {
 void settleLocale() {
     std::setlocale(LC_NUMERIC, "C");
     std::setlocale(LC_MESSAGES, "C");
+}
+
+BorrowedRuntimeFolder::BorrowedRuntimeFolder() {
+    std::error_code error;
+    const auto temporary = std::filesystem::temp_directory_path(error);
+    if (std::getenv(runtimeVariable) != nullptr || error)
+        return;
+    std::string pattern = (temporary / "korvane-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+        return;
+    folder_ = pattern;
+    setenv(runtimeVariable, folder_.c_str(), 1);
+}
+
+BorrowedRuntimeFolder::~BorrowedRuntimeFolder() {
+    if (folder_.empty())
+        return;
+    unsetenv(runtimeVariable);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
 }
 
 }  // namespace korvane::cli

@@ -33,7 +33,20 @@ extern "C" void onStopSignal(int) {
     errno = error;
 }
 
+sigset_t stopSignalSet() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : stopSignals)
+        sigaddset(&set, number);
+    return set;
+}
+
 }  // namespace
+
+void StopSignals::hold() {
+    const sigset_t set = stopSignalSet();
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
 
 StopSignals::StopSignals(std::function<void(int)> onSignal) : onSignal_(std::move(onSignal)) {
     std::array<int, 2> ends{};
@@ -57,6 +70,8 @@ StopSignals::StopSignals(std::function<void(int)> onSignal) : onSignal_(std::mov
             continue;
         sigaction(stopSignals[i], &action, nullptr);
     }
+    const sigset_t set = stopSignalSet();
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }
 
 StopSignals::~StopSignals() {

@@ -13,6 +13,9 @@ namespace korvane::cli {
 /// time; needs the application object.
 class StopSignals {
   public:
+    /// Call first in main: a signal that comes before one of these stands waits for it.
+    static void hold();
+
     /// \param onSignal  called with 1 for the first signal, 2 for the second.
     /// \throws std::system_error when the system has no pipe left.
     explicit StopSignals(std::function<void(int)> onSignal);

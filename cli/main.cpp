@@ -36,6 +36,7 @@ std::unique_ptr<QCoreApplication> makeApplication(const Request& request, int& a
         return std::make_unique<QCoreApplication>(argc, argv);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    const BorrowedRuntimeFolder borrowed;
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
@@ -102,6 +103,7 @@ ExitCode run(const Invocation& invocation, Console& console) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    StopSignals::hold();
     prepareProcess();
     Console console;
     try {
