@@ -52,6 +52,15 @@ std::optional<ShadowLook> lookOf(const std::optional<Shadow>& shadow, const Over
                       static_cast<int>(std::ceil(kBlurReach * sigma)) + 1};
 }
 
+bool isSensible(const OverlayPlace& place) {
+    for (const double number : {place.center.x, place.center.y, place.box.width, place.box.height,
+                                place.scale, place.canvas.width, place.canvas.height}) {
+        if (!std::isfinite(number))
+            return false;
+    }
+    return place.scale > 0.0;
+}
+
 QImage drawnText(const TextShape& shape, QPointF origin, double scale, const QRect& area) {
     QImage image(area.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -60,8 +69,11 @@ QImage drawnText(const TextShape& shape, QPointF origin, double scale, const QRe
     return image;
 }
 
-QRect pixelsAround(const QRectF& rect) {
-    return rect.toAlignedRect().adjusted(-1, -1, 1, 1);
+/// The pixels that `ink` touches and one more around, as far as they lie in `drawable`. Cut while still in
+/// doubles: a nonsensical place must not overflow the integers.
+QRect pixelsAround(const QRectF& ink, const QRect& drawable) {
+    const QRectF cut = ink.adjusted(-1.0, -1.0, 1.0, 1.0).intersected(QRectF(drawable));
+    return cut.isEmpty() ? QRect() : cut.toAlignedRect();
 }
 
 CoveragePlane coverageOf(const QImage& image, QPoint at, QSize size) {
@@ -174,7 +186,7 @@ std::shared_ptr<const OverlayBitmap> bitmapOf(const QImage& image, const QRect& 
 
 std::optional<PlacedOverlay> drawOverlay(const TextShape& shape, const std::optional<Shadow>& shadow,
                                          const OverlayPlace& place) {
-    if (shape.isEmpty() || !std::isfinite(place.scale) || place.scale <= 0.0)
+    if (shape.isEmpty() || !isSensible(place))
         return std::nullopt;
     const QPointF origin(place.center.x - place.box.width / 2.0 * place.scale,
                          place.center.y - place.box.height / 2.0 * place.scale);
@@ -187,7 +199,7 @@ std::optional<PlacedOverlay> drawOverlay(const TextShape& shape, const std::opti
     if (look)
         drawable |=
             canvas.translated(-look->offset).adjusted(-look->reach, -look->reach, look->reach, look->reach);
-    const QRect textArea = pixelsAround(ink).intersected(drawable);
+    const QRect textArea = pixelsAround(ink, drawable);
     if (textArea.isEmpty())
         return std::nullopt;
     const QImage text = drawnText(shape, origin, place.scale, textArea);

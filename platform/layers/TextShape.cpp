@@ -17,6 +17,10 @@ namespace {
 /// multiples of 1/64 there, so that a big one keeps fractional sizes exact.
 constexpr int kLayoutPixelsPerEm = 200;
 
+/// Of a larger letter nothing but a part of a stroke is seen on any canvas, and the rasteriser's coordinates
+/// end.
+constexpr double kLargestFontSize = 16384.0;
+
 /// The text engine's fixed-point numbers end a little above.
 constexpr double kWidestLayout = 1 << 24;
 
@@ -112,7 +116,7 @@ TextShape::TextShape(const TextContent& content, Size box, const FontLookup& fon
     const QString text = displayText(content.text);
     if (!std::isfinite(content.fontSize) || content.fontSize <= 0.0 || text.trimmed().isEmpty())
         return;
-    unit_ = content.fontSize / kLayoutPixelsPerEm;
+    unit_ = std::min(content.fontSize, kLargestFontSize) / kLayoutPixelsPerEm;
     QFont font = fonts.font(content.fontPostScriptName, kLayoutPixelsPerEm);
     if (eastAsianFamily)
         font.setFamilies(font.families() << QString::fromStdString(*eastAsianFamily));
