@@ -162,7 +162,7 @@ class LibavAudioDecoder final : public AudioDecoder {
             return *nextInput_;
         // Frames of one size stand on a grid from the first on; that is finer than a coarse clock and the
         // same from wherever decoding began.
-        const std::int64_t size = codec_->frame_size;
+        const std::int64_t size = codec_->frame_size > 0 ? codec_->frame_size : frame.nb_samples;
         if (size > 0 && stream_->start_time != AV_NOPTS_VALUE) {
             const std::int64_t first = samplesAtTicks(stream_->start_time - zero_, stream_->time_base, rate);
             const std::int64_t steps =
