@@ -85,7 +85,7 @@ class Words(Tree):
 
     def test_each_kind_of_word_is_found_with_its_line(self):
         for line in ["// TO" "DO: later", "// FIX" "ME", "throw not im" "plemented", "TEST(A, DIS" "ABLED_b)",
-                     "// as Pa" "rt 3.1 says", "cat /ho" "me/someone/x", "see deb" "ian.org"]:
+                     "// as Pa" "rt 3.1 says", "cat /ro" "ot/x", "see deb" "ian.org"]:
             with self.subTest(line=line):
                 self.put("a.cpp", f"// one\n{line}\n")
                 result = self.run_check("check_words")
