@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <stop_token>
 
 #include "platform/av/Asset.h"
 #include "platform/av/AssetExportSession.h"
@@ -14,7 +15,7 @@ namespace korvane {
 
 struct EditorPlatform {
     /// Never null; a file that can't be read shows when the asset loads.
-    std::function<std::shared_ptr<Asset>(const std::filesystem::path&)> openAsset;
+    std::function<std::shared_ptr<Asset>(const std::filesystem::path&, const std::stop_token&)> openAsset;
     /// Empty and never null.
     std::function<std::shared_ptr<Composition>()> makeComposition;
     /// Null when the preset can't be applied.

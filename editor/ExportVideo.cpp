@@ -20,10 +20,11 @@ std::string statusText(int status) {
 }
 
 std::shared_ptr<Asset> openSource(const EditorPlatform& platform, const std::filesystem::path& videoURL,
-                                  const DiagnosticLog& log) {
+                                  const std::stop_token& stop, const DiagnosticLog& log) {
     log("🎬 [Export] [A] Loading asset…");
-    std::shared_ptr<Asset> asset = platform.openAsset(videoURL);
+    std::shared_ptr<Asset> asset = platform.openAsset(videoURL, stop);
     const bool isReadable = asset->isReadable();
+    checkCancelled(stop);  // a stopped load looks like a file that can't be read
     const bool isPlayable = asset->isPlayable();
     log("🎬 [Export] [A] asset.isReadable=" + formatBool(isReadable) +
         "  asset.isPlayable=" + formatBool(isPlayable));
@@ -164,7 +165,7 @@ void VideoEditor::exportVideo(const std::filesystem::path& videoURL,
     checkCancelled(stop);  // what is stopped before it began takes no file away
     clearDestination(outputURL, videoURL);
 
-    const std::shared_ptr<Asset> asset = openSource(platform_, videoURL, log_);
+    const std::shared_ptr<Asset> asset = openSource(platform_, videoURL, stop, log_);
     log_("🎬 [Export] [B] buildCompositionData…");
     CompositionData data = buildCompositionData(*asset, segments, stop);
     const std::vector<SubtitleEntry> lines = groupSubtitleEntries(data.subtitleEntries);

@@ -63,7 +63,7 @@ ExtractedAudio VideoProcessor::extractAudio(const std::filesystem::path& from,
                                             std::function<void(double)> onProgress,
                                             std::stop_token stop) const {
     checkCancelled(stop);
-    const std::shared_ptr<Asset> asset = platform_.openAsset(from);
+    const std::shared_ptr<Asset> asset = platform_.openAsset(from, stop);
     if (asset->loadTracks(MediaType::audio).empty())
         throw ProcessingError::noAudioTrack();
     checkCancelled(stop);

@@ -22,14 +22,15 @@ struct Asset::Contents {
     std::vector<bool> decodable;  ///< track by track
 };
 
-Asset::Asset(std::filesystem::path path) : path_(std::move(path)) {}
+Asset::Asset(std::filesystem::path path, std::stop_token stop)
+    : path_(std::move(path)), stop_(std::move(stop)) {}
 Asset::~Asset() = default;
 
 const Asset::Contents& Asset::contents() {
     const std::scoped_lock lock(mutex_);
     if (contents_)
         return *contents_;
-    const MediaFacts facts = probeMedia(path_);
+    const MediaFacts facts = probeMedia(path_, stop_);
     auto read = std::make_unique<Contents>();
     read->duration = facts.duration;
     for (const StreamFacts& stream : facts.streams) {

@@ -37,7 +37,9 @@ struct AssetTrack {
 
 class Asset {
   public:
-    explicit Asset(std::filesystem::path path);
+    /// \param stop  ends a load that takes long (a file whose headers don't know its length is read as a
+    /// whole).
+    explicit Asset(std::filesystem::path path, std::stop_token stop = {});
     virtual ~Asset();
     Asset(const Asset&) = delete;
     Asset& operator=(const Asset&) = delete;
@@ -50,7 +52,7 @@ class Asset {
     virtual bool isPlayable();
 
     /// Tracks in the container's order; attached pictures are not video tracks. Blocks.
-    /// \throws MediaError when the file can't be opened or understood.
+    /// \throws MediaError when the file can't be opened or understood; CancellationError, like loadDuration.
     virtual std::vector<AssetTrack> loadTracks(MediaType type);
 
     /// From time 0 to the end of the longest track; read from the packets where the container has no
@@ -62,6 +64,7 @@ class Asset {
     const Contents& contents();
 
     std::filesystem::path path_;
+    std::stop_token stop_;
     std::mutex mutex_;
     std::unique_ptr<Contents> contents_;
 };

@@ -85,7 +85,7 @@ struct EditorFixture {
   private:
     EditorPlatform platform() {
         return {
-            [this](const std::filesystem::path&) {
+            [this](const std::filesystem::path&, const std::stop_token&) {
                 onOpen();
                 return asset;
             },

@@ -26,7 +26,7 @@ struct VideoProcessorTest : testing::Test {
     std::vector<double> progress;
     VideoProcessor processor{queue,
                              {
-                                 [this](const std::filesystem::path& path) {
+                                 [this](const std::filesystem::path& path, const std::stop_token&) {
                                      opened = path;
                                      return asset;
                                  },
