@@ -36,7 +36,7 @@ class Layers(Tree):
             ("cli/A.cpp", '#include "editor/VideoEditor.h"'),
             ("editor/A.cpp", '#include "platform/av/Asset.h"'),
             ("platform/ffmpeg/A.cpp", "#include <libavcodec/avcodec.h>"),
-            ("tests/fixtures/A.cpp", "#include <libavcodec/avcodec.h>"),
+            ("tests/editor/A.cpp", "#include <libavcodec/avcodec.h>"),
             ("platform/tasks/A.cpp", "#include <QObject>"),
             ("media/A.cpp", "#include <vector>"),
         ]:
