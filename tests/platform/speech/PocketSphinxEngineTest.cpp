@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "platform/ffmpeg/MediaError.h"
+#include "platform/speech/pocketsphinx/PocketSphinxDecoder.h"
 #include "tests/platform/speech/SpokenFixture.h"
 #include "tests/platform/speech/SyntheticSound.h"
 
@@ -118,6 +119,27 @@ TEST(PocketSphinxEngine, phrasesAreFoundWhereTheyWerePut) {
         ASSERT_NE(first, heard.end());
         EXPECT_NEAR(first->timestamp, start, 0.035);
         EXPECT_NEAR(last->timestamp + last->duration, start + length, 0.035);
+    }
+}
+
+TEST(PocketSphinxDecoder, aPauseKeepsItsLengthAndEachUtteranceCountsItsOwnFrames) {
+    const TemporaryFolder folder;
+    const auto phrase = speak(folder, "my father walked to the station");
+    auto utterance = phrase;
+    utterance.resize(phrase.size() + 4 * spokenRateHz);
+    utterance.insert(utterance.end(), phrase.begin(), phrase.end());
+    const auto decoder = PocketSphinxDecoder::load(
+        PocketSphinxModels(standardFolders(), KORVANE_POCKETSPHINX_MODELS).find(Locale{"en-US"}).value());
+    for (int round = 0; round < 2; ++round) {
+        std::vector<int> starts;
+        for (const auto& heard : decoder->recognize(utterance, {})) {
+            if (heard.entry.starts_with("station"))
+                starts.push_back(heard.firstFrame);
+        }
+        ASSERT_EQ(starts.size(), 2U);
+        const auto apart = static_cast<double>(phrase.size()) / spokenRateHz + 4.0;
+        EXPECT_NEAR((starts[1] - starts[0]) / 100.0, apart, 0.1);
+        EXPECT_LT(starts[0] / 100.0, static_cast<double>(phrase.size()) / spokenRateHz);
     }
 }
 
