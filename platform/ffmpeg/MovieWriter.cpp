@@ -7,6 +7,7 @@ extern "C" {
 #include <algorithm>
 #include <cstring>
 
+#include "platform/ffmpeg/EncoderSettings.h"
 #include "platform/ffmpeg/ErrorTranslation.h"
 #include "platform/ffmpeg/MediaError.h"
 #include "platform/ffmpeg/Muxer.h"
@@ -14,13 +15,6 @@ extern "C" {
 
 namespace korvane {
 namespace {
-
-// docs/decisions/0002-encoder-settings.md
-constexpr const char* kPreset = "veryfast";
-constexpr const char* kQuality = "18";
-constexpr int kLongestGroupSeconds = 2;
-constexpr std::int64_t kMonoBitRate = 128'000;
-constexpr std::int64_t kStereoBitRate = 192'000;
 
 class LibavMovieWriter final : public MovieWriter {
   public:
@@ -90,9 +84,12 @@ class LibavMovieWriter final : public MovieWriter {
         c.chroma_sample_location = AVCHROMA_LOC_LEFT;
         c.flags |= AV_CODEC_FLAG_CLOSED_GOP | AV_CODEC_FLAG_GLOBAL_HEADER;
         c.thread_count = 0;
-        av_opt_set(c.priv_data, "preset", kPreset, 0);
-        av_opt_set(c.priv_data, "crf", kQuality, 0);
+        av_opt_set(c.priv_data, "preset", kVideoPreset, 0);
+        av_opt_set(c.priv_data, "crf", kVideoQuality, 0);
         av_opt_set(c.priv_data, "profile", "high", 0);
+        // What makes it High; the quickest presets would leave these out.
+        av_opt_set(c.priv_data, "coder", "cabac", 0);
+        av_opt_set_int(c.priv_data, "8x8dct", 1, 0);
         videoStream_ = opened(c);
         videoStream_->avg_frame_rate = c.framerate;
         videoStream_->sample_aspect_ratio = {1, 1};
