@@ -94,6 +94,7 @@ void Console::error(std::string_view sentence) {
 }
 
 void Console::errorHint(std::string_view line) {
+    erase();
     writeAll(stderr, std::string(line) + "\n");
 }
 

@@ -70,13 +70,13 @@ std::string progressLine(const ProgressState& state, int columns) {
     const std::string time = state.overall < 1.0 ? etaText(state).value_or("") : "";
     const std::string tail = time.empty() ? "" : "  " + time;
 
-    const std::string whole = label + "  " + bar(state.overall) + padded + tail;
+    std::string whole = label + "  " + bar(state.overall) + padded + tail;
     if (columnsOf(whole) <= columns)
         return whole;
-    const std::string withoutBar = label + " " + padded + tail;
+    std::string withoutBar = label + " " + padded + tail;
     if (columnsOf(withoutBar) <= columns)
         return withoutBar;
-    const std::string brief = label + " " + padded;
+    std::string brief = label + " " + padded;
     if (columnsOf(brief) <= columns)
         return brief;
     return columnsOf(number) <= columns ? number : "";
