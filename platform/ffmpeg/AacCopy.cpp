@@ -1,11 +1,15 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
+#include <optional>
+#include <vector>
 
 #include "platform/ffmpeg/Demuxer.h"
 #include "platform/ffmpeg/ErrorTranslation.h"
 #include "platform/ffmpeg/MovieWriter.h"
 #include "platform/ffmpeg/Muxer.h"
+#include "platform/ffmpeg/TimeConversion.h"
 
 extern "C" {
 #include <libavcodec/bsf.h>
@@ -16,9 +20,10 @@ namespace {
 
 using BitstreamFilter = std::unique_ptr<AVBSFContext, FreeByAddress<av_bsf_free>>;
 
-// A packet may begin this much of its own length away from where the one before ended; more is a gap or an
-// overlap.
-constexpr double kSteadiness = 0.75;
+// Packets of AAC before the first that is heard, for its decoder.
+constexpr std::int64_t kRunInPackets = 4;
+// Samples in a packet where nothing says so.
+constexpr std::int64_t kUsualFrameSize = 1024;
 
 /// Brings AAC with headers of its own (transport streams) into the form of MP4; leaves other AAC alone.
 BitstreamFilter mp4Form(const AVStream& stream, const std::filesystem::path& file) {
@@ -52,26 +57,45 @@ class PacketCopy {
         target->codecpar->codec_tag = 0;
         target->time_base = {1, source_.codecpar->sample_rate};
         target_ = target;
+        samples_ =
+            source_.codecpar->frame_size > 0 ? std::int64_t{source_.codecpar->frame_size} : kUsualFrameSize;
     }
 
-    /// \return false at the first packet that does not follow the one before.
+    /// \return false when the packets can't stand as they are: one does not follow the one before, or some
+    /// would be heard that the source hides.
     bool run(const std::function<void(double)>& progress) {
+        const std::optional<TimeRange> shown = demuxer_.shownRange(source_.index);
+        const std::int64_t begin = shown ? ticksAtOrBefore(shown->start, source_.time_base) : 0;
+        const std::int64_t end = shown ? ticksAtOrBefore(shown->end(), source_.time_base)
+                                       : std::numeric_limits<std::int64_t>::max();
         Packet packet = makePacket();
         bool begun = false;
         while (demuxer_.read(packet.get())) {
-            if (packet->pts == AV_NOPTS_VALUE || !follows(*packet))
+            if (packet->pts == AV_NOPTS_VALUE)
                 return false;
-            const double share = source_.duration > 0 ? static_cast<double>(packet->pts - zero_) /
+            packet->pts -= zero_;
+            const std::int64_t length = lengthOf(*packet);
+            // What stands before time 0 is hidden in the copy too; a little of it lets the decoder settle.
+            const bool runIn = packet->pts + length <= 0;
+            if ((runIn && packet->pts + kRunInPackets * length < 0) || packet->pts >= end)
+                continue;
+            // Behind time 0 there is nothing to hide a packet with.
+            const bool unheardInSource = packet->pts < begin || (packet->flags & AV_PKT_FLAG_DISCARD) != 0;
+            if (unheardInSource && packet->pts + length > 0)
+                return false;
+            if (!placed(*packet))
+                return false;
+            const double share = source_.duration > 0 ? static_cast<double>(packet->pts) /
                                                             static_cast<double>(source_.duration)
                                                       : 0.0;
             if (!filtered(packet.get()))
                 continue;
-            if (!begun && !begin())
+            if (!begun && !beginFile())
                 return false;
             begun = true;
             packet->stream_index = 0;
             packet->pos = -1;
-            muxer_.write(packet.get(), source_.time_base);
+            muxer_.write(packet.get(), {1, source_.codecpar->sample_rate});
             progress(std::clamp(share, 0.0, 1.0));
         }
         if (!begun)
@@ -81,19 +105,17 @@ class PacketCopy {
     }
 
   private:
-    bool begin() {
+    bool beginFile() {
         // ADTS gets its description with the first packet.
         if (target_->codecpar->extradata_size == 0) {
-            std::size_t bytes = 0;
-            const std::uint8_t* found = lastExtradata_.empty() ? nullptr : lastExtradata_.data();
-            bytes = lastExtradata_.size();
-            if (!found)
+            const std::size_t bytes = lastExtradata_.size();
+            if (bytes == 0)
                 return false;
             target_->codecpar->extradata =
                 static_cast<std::uint8_t*>(av_mallocz(bytes + AV_INPUT_BUFFER_PADDING_SIZE));
             if (!target_->codecpar->extradata)
                 throw std::bad_alloc();
-            std::copy_n(found, bytes, target_->codecpar->extradata);
+            std::ranges::copy(lastExtradata_, target_->codecpar->extradata);
             target_->codecpar->extradata_size = static_cast<int>(bytes);
         }
         muxer_.writeHeader();
@@ -101,8 +123,9 @@ class PacketCopy {
     }
 
     bool filtered(AVPacket* packet) {
-        packet->pts -= zero_;
-        packet->dts = packet->pts;
+        packet->pts = packet->dts = nextSample_;
+        packet->duration = samples_;
+        nextSample_ += samples_;
         if (av_bsf_send_packet(filter_.get(), packet) < 0 || av_bsf_receive_packet(filter_.get(), packet) < 0)
             return false;
         std::size_t bytes = 0;
@@ -111,16 +134,22 @@ class PacketCopy {
         return true;
     }
 
-    bool follows(const AVPacket& packet) {
-        const std::int64_t length =
-            packet.duration > 0 ? packet.duration
-                                : av_rescale_q(1024, {1, source_.codecpar->sample_rate}, source_.time_base);
-        const bool steady =
-            expected_ == AV_NOPTS_VALUE || std::abs(static_cast<double>(packet.pts - expected_)) <=
-                                               kSteadiness * static_cast<double>(length);
-        // Counted on from what was expected, so that a slow drift shows too.
-        expected_ = (expected_ == AV_NOPTS_VALUE ? packet.pts : std::max(packet.pts, expected_)) + length;
-        return steady;
+    std::int64_t lengthOf(const AVPacket& packet) const {
+        if (packet.duration > 0)
+            return packet.duration;
+        return std::max<std::int64_t>(
+            1, av_rescale_q(samples_, {1, source_.codecpar->sample_rate}, source_.time_base));
+    }
+
+    /// Packets are counted, not stamped: a clock of milliseconds would stretch one and shorten the next.
+    bool placed(const AVPacket& packet) {
+        const int rate = source_.codecpar->sample_rate;
+        const std::int64_t stamped = samplesAtTicks(packet.pts, source_.time_base, rate);
+        if (!counting_)
+            nextSample_ = stamped;
+        counting_ = true;
+        const std::int64_t clock = av_rescale_q(1, source_.time_base, {1, rate}) + 1;
+        return std::abs(stamped - nextSample_) <= 2 * clock;
     }
 
     Demuxer& demuxer_;
@@ -130,7 +159,9 @@ class PacketCopy {
     Muxer muxer_;
     AVStream* target_ = nullptr;
     std::vector<std::uint8_t> lastExtradata_;
-    std::int64_t expected_ = AV_NOPTS_VALUE;
+    std::int64_t samples_ = 0;     ///< in each packet
+    std::int64_t nextSample_ = 0;  ///< where the next packet begins
+    bool counting_ = false;
 };
 
 }  // namespace

@@ -145,7 +145,7 @@ class LibavAudioDecoder final : public AudioDecoder {
     /// First sample's position of `frame` on the source's own sample grid.
     std::int64_t inputPosition(const AVFrame& frame) {
         const int rate = frame.sample_rate;
-        const std::int64_t ticks = frame.best_effort_timestamp;
+        const std::int64_t ticks = frame.pts != AV_NOPTS_VALUE ? frame.pts : frame.best_effort_timestamp;
         if (ticks == AV_NOPTS_VALUE)
             return nextInput_.value_or(0);
         const std::int64_t stamped = samplesAtTicks(ticks - zero_, stream_->time_base, rate);

@@ -33,4 +33,10 @@ std::shared_ptr<AVFrame> copyOfCanvas(const std::shared_ptr<const AVFrame>& canv
     return copy;
 }
 
+CanvasPlane planeOf(const AVFrame& canvas, int plane) {
+    const int shift = plane == 0 ? 0 : 1;
+    return {canvas.data[plane], canvas.linesize[plane], (canvas.width + shift) >> shift,
+            (canvas.height + shift) >> shift};
+}
+
 }  // namespace korvane

@@ -1,6 +1,7 @@
 // Canvas pictures that come from no source.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 struct AVFrame;
@@ -15,5 +16,15 @@ std::shared_ptr<AVFrame> copyOfCanvas(const std::shared_ptr<const AVFrame>& canv
 
 /// Fills a planar 8-bit YUV 4:2:0 picture with limited-range black.
 void fillBlack(AVFrame& frame);
+
+/// One plane of a canvas picture, for who shows or reads it; valid as long as the picture.
+struct CanvasPlane {
+    const std::uint8_t* data = nullptr;
+    int strideBytes = 0;
+    int width = 0;
+    int height = 0;
+};
+/// \param plane  0 luma, 1 Cb, 2 Cr; the colour planes have half the size.
+CanvasPlane planeOf(const AVFrame& canvas, int plane);
 
 }  // namespace korvane

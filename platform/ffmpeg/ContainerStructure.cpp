@@ -107,6 +107,32 @@ bool structureReachesBeyondEnd(const std::filesystem::path& path) {
     return beyond;
 }
 
+std::string movieIndex(const std::filesystem::path& path) {
+    std::error_code error;
+    const std::uint64_t fileSize = std::filesystem::file_size(path, error);
+    std::ifstream file(path, std::ios::binary);
+    if (error || !file)
+        return {};
+    std::uint64_t from = 0;
+    std::uint64_t to = 0;
+    std::uint64_t previousEnd = 0;
+    forEachIsoBox(file, fileSize, [&](std::string_view type, std::uint64_t end) {
+        if (type == "moov") {
+            from = previousEnd + 8;
+            to = end;
+        }
+        previousEnd = end;
+        return to == 0;
+    });
+    if (to == 0 || to > fileSize || to <= from)
+        return {};
+    std::string content(static_cast<std::size_t>(to - from), '\0');
+    file.clear();
+    file.seekg(static_cast<std::streamoff>(from));
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    return file.gcount() == static_cast<std::streamsize>(content.size()) ? content : std::string();
+}
+
 bool hasMovieFragments(const std::filesystem::path& path) {
     std::error_code error;
     const std::uint64_t fileSize = std::filesystem::file_size(path, error);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 namespace korvane {
 
@@ -11,5 +12,9 @@ bool structureReachesBeyondEnd(const std::filesystem::path& path);
 
 /// True when an ISO media file has movie fragments.
 bool hasMovieFragments(const std::filesystem::path& path);
+
+/// The content of an ISO media file's index box ("moov"); empty when there is none, it is cut off, or
+/// compressed.
+std::string movieIndex(const std::filesystem::path& path);
 
 }  // namespace korvane

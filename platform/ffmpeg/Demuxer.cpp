@@ -47,6 +47,11 @@ std::unique_ptr<Demuxer> Demuxer::open(const std::filesystem::path& path, std::s
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
     av_dict_set(&options, "format_whitelist", kContainers, 0);
+    self->edits_ = readEditLists(path);
+    // Taken apart by the library, an edit that begins between two pictures would move them all; as an offset
+    // it is exact.
+    if (self->edits_.simple)
+        av_dict_set(&options, "advanced_editlist", "0", 0);
     const int opened = avformat_open_input(&context, ("file:" + path.string()).c_str(), nullptr, &options);
     av_dict_free(&options);
     if (opened < 0)
@@ -67,6 +72,13 @@ std::int64_t Demuxer::zeroTicks(int streamIndex) const {
     if (isIsoMedia() || format_->start_time == AV_NOPTS_VALUE || format_->start_time <= 0)
         return 0;
     return av_rescale_q(format_->start_time, AV_TIME_BASE_Q, stream(streamIndex)->time_base);
+}
+
+std::optional<TimeRange> Demuxer::shownRange(int streamIndex) const {
+    const auto found = edits_.shown.find(static_cast<std::uint32_t>(stream(streamIndex)->id));
+    if (!isIsoMedia() || found == edits_.shown.end())
+        return std::nullopt;
+    return found->second;
 }
 
 void Demuxer::select(int streamIndex) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <stop_token>
 
+#include "platform/ffmpeg/EditLists.h"
 #include "platform/ffmpeg/Handles.h"
 #include "platform/time/MediaTime.h"
 
@@ -26,6 +27,10 @@ class Demuxer {
     /// Ticks of the stream's time base at time 0. ISO media files have a time line of their own that starts
     /// at 0; other files (transport streams, say) start when their first packet does.
     std::int64_t zeroTicks(int streamIndex) const;
+
+    /// When the stream is shown, where an edit list says so in one stretch. Packets before and behind may
+    /// come all the same; what they hold is not to be shown.
+    std::optional<TimeRange> shownRange(int streamIndex) const;
 
     /// Reads packets of this stream only from here on.
     void select(int streamIndex);
@@ -52,6 +57,7 @@ class Demuxer {
 
     std::filesystem::path path_;
     std::stop_token stop_;
+    EditLists edits_;
     FormatInput format_;
     int selected_ = -1;
 };

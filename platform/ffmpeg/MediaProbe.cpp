@@ -87,6 +87,16 @@ IndexEnd indexEnd(AVStream& stream) {
     return {last->timestamp, count > 1 ? (last->timestamp - first->timestamp) / (count - 1) : 0};
 }
 
+/// Ticks after time 0 by which the last packet that the index knows has surely ended; unset without an index.
+std::int64_t latestBelievableEnd(const Demuxer& demuxer, int streamIndex) {
+    AVStream& stream = *demuxer.stream(streamIndex);
+    const IndexEnd index = indexEnd(stream);
+    if (index.last == AV_NOPTS_VALUE)
+        return AV_NOPTS_VALUE;
+    const auto slack = static_cast<std::int64_t>(kBelievableSlack / av_q2d(stream.time_base));
+    return index.last - demuxer.zeroTicks(streamIndex) + index.step + slack;
+}
+
 struct Extent {
     std::int64_t start = AV_NOPTS_VALUE;
     std::int64_t end = AV_NOPTS_VALUE;
@@ -187,6 +197,15 @@ MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop) {
         const AVRational base = demuxer->stream(s.index)->time_base;
         const Extent extent = measured.empty() ? extentFromHeaders(*demuxer, s.index, trustIndex)
                                                : measured[static_cast<std::size_t>(s.index)];
+        if (const auto shown = demuxer->shownRange(s.index)) {
+            s.timeRange = *shown;
+            // A list may be as wrong as any header: nothing is shown longer than there are packets.
+            const std::int64_t packets = trustIndex ? latestBelievableEnd(*demuxer, s.index) : AV_NOPTS_VALUE;
+            if (packets != AV_NOPTS_VALUE && shown->end() > clampedTime(packets, base))
+                s.timeRange.duration = std::max(kZeroTime, clampedTime(packets, base) - shown->start);
+            facts.duration = std::max(facts.duration, s.timeRange.end());
+            continue;
+        }
         const std::int64_t from = extent.start == AV_NOPTS_VALUE ? 0 : extent.start;
         s.timeRange.start = clampedTime(from, base);
         const MediaTime end = extent.end == AV_NOPTS_VALUE ? whole : clampedTime(extent.end, base);

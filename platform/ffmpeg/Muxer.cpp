@@ -42,6 +42,10 @@ AVStream* Muxer::addStream() {
 void Muxer::writeHeader() {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "movflags", "+faststart", 0);
+    // Starts are written in units of the movie; a millisecond would put sound dozens of samples off.
+    for (unsigned i = 0; i < format_->nb_streams; ++i)
+        if (format_->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+            av_dict_set_int(&options, "movie_timescale", format_->streams[i]->codecpar->sample_rate, 0);
     const int result = avformat_write_header(format_.get(), &options);
     av_dict_free(&options);
     check(result);

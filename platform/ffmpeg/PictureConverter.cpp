@@ -61,8 +61,10 @@ std::pair<int, int> coveredPixels(double factor, double shift, Span seen, int le
 }
 
 std::optional<Plan> planFor(const AVFrame& frame, const PicturePlacement& p) {
+    const int width = frame.width - static_cast<int>(frame.crop_right);
+    const int height = frame.height - static_cast<int>(frame.crop_bottom);
     const AffineTransform t =
-        AffineTransform::scale(p.naturalSize.width / frame.width, p.naturalSize.height / frame.height)
+        AffineTransform::scale(p.naturalSize.width / width, p.naturalSize.height / height)
             .concatenating(p.transform);
     Plan plan;
     plan.turning.transposed = std::abs(t.b) + std::abs(t.c) > std::abs(t.a) + std::abs(t.d);
@@ -73,8 +75,8 @@ std::optional<Plan> planFor(const AVFrame& frame, const PicturePlacement& p) {
         return std::nullopt;
     plan.turning.mirroredAcross = acrossFactor < 0.0;
     plan.turning.mirroredDown = downFactor < 0.0;
-    const double acrossExtent = plan.turning.transposed ? frame.height : frame.width;
-    const double downExtent = plan.turning.transposed ? frame.width : frame.height;
+    const double acrossExtent = plan.turning.transposed ? height : width;
+    const double downExtent = plan.turning.transposed ? width : height;
     const Span across = seenSpan(acrossFactor, t.tx, p.canvasWidth, acrossExtent);
     const Span down = seenSpan(downFactor, t.ty, p.canvasHeight, downExtent);
     const auto [left, right] = coveredPixels(acrossFactor, t.tx, across, p.canvasWidth);

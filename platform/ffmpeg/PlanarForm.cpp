@@ -112,6 +112,44 @@ void fillNeutral(AVFrame& frame, int plane, int depth) {
     }
 }
 
+/// Repeats the last column and row of one plane up to a larger size.
+void extendPlane(AVFrame& to, const AVFrame& from, int plane, int width, int height, int newWidth,
+                 int newHeight, int bytes) {
+    for (int y = 0; y < newHeight; ++y) {
+        const std::uint8_t* source =
+            from.data[plane] + static_cast<std::ptrdiff_t>(std::min(y, height - 1)) * from.linesize[plane];
+        std::uint8_t* target = to.data[plane] + static_cast<std::ptrdiff_t>(y) * to.linesize[plane];
+        std::memcpy(target, source, static_cast<std::size_t>(width) * static_cast<std::size_t>(bytes));
+        for (int x = width; x < newWidth; ++x)
+            std::memcpy(target + x * bytes, source + (width - 1) * bytes, static_cast<std::size_t>(bytes));
+    }
+}
+
+/// The scaler wants every colour sample whole.
+std::shared_ptr<const AVFrame> grownToWholeColorSamples(const std::shared_ptr<const AVFrame>& frame) {
+    const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame->format));
+    const int width = FFALIGN(frame->width, 1 << format->log2_chroma_w);
+    const int height = FFALIGN(frame->height, 1 << format->log2_chroma_h);
+    if (width == frame->width && height == frame->height)
+        return frame;
+    SharedFrame grown(makeFrame().release(), [](AVFrame* f) { av_frame_free(&f); });
+    grown->format = frame->format;
+    grown->width = width;
+    grown->height = height;
+    if (av_frame_get_buffer(grown.get(), 64) < 0 || av_frame_copy_props(grown.get(), frame.get()) < 0)
+        throw std::bad_alloc();
+    const int bytes = format->comp[0].step;
+    for (int i = 0; i < 3; ++i) {
+        const int shiftX = i == 0 ? 0 : format->log2_chroma_w;
+        const int shiftY = i == 0 ? 0 : format->log2_chroma_h;
+        extendPlane(*grown, *frame, i, AV_CEIL_RSHIFT(frame->width, shiftX),
+                    AV_CEIL_RSHIFT(frame->height, shiftY), width >> shiftX, height >> shiftY, bytes);
+    }
+    grown->crop_right = static_cast<std::size_t>(width - frame->width);
+    grown->crop_bottom = static_cast<std::size_t>(height - frame->height);
+    return grown;
+}
+
 }  // namespace
 
 struct PlanarForm::State {
@@ -125,6 +163,10 @@ PlanarForm::PlanarForm() : state_(std::make_unique<State>()) {}
 PlanarForm::~PlanarForm() = default;
 
 std::shared_ptr<const AVFrame> PlanarForm::of(const std::shared_ptr<const AVFrame>& frame) {
+    return grownToWholeColorSamples(planes(frame));
+}
+
+std::shared_ptr<const AVFrame> PlanarForm::planes(const std::shared_ptr<const AVFrame>& frame) {
     const auto from = static_cast<AVPixelFormat>(frame->format);
     const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(from);
     if (!format)

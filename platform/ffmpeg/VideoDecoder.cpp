@@ -36,11 +36,13 @@ class LibavVideoDecoder final : public VideoDecoder {
           packet_(makePacket()),
           frame_(makeFrame()) {
         const AVRational rate = stream_->avg_frame_rate.num > 0 ? stream_->avg_frame_rate : AVRational{25, 1};
+        if (const auto shown = demuxer_->shownRange(streamIndex))
+            lastShown_ = ticksAtOrBefore(shown->end(), stream_->time_base) - 1;
         pictureTicks_ = std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(rate), stream_->time_base));
     }
 
     DecodedPicture pictureAt(MediaTime t) override {
-        const std::int64_t target = ticksAtOrBefore(t, stream_->time_base) + zero_;
+        const std::int64_t target = std::min(ticksAtOrBefore(t, stream_->time_base) + zero_, lastShown_);
         if (current_ && target < current_.ticks && !currentIsFirst_)
             seekTo(target, 0);
         else if (!isShown(target) && jumpPays(target))
@@ -173,7 +175,8 @@ class LibavVideoDecoder final : public VideoDecoder {
 
     /// The received frame as a picture with a presentation time that never runs backwards.
     DecodedPicture taken() {
-        std::int64_t ticks = frame_->best_effort_timestamp;
+        // The library's own guess falls back to decoding times once stamps have run backwards.
+        std::int64_t ticks = frame_->pts != AV_NOPTS_VALUE ? frame_->pts : frame_->best_effort_timestamp;
         if (ticks == AV_NOPTS_VALUE)
             ticks = lastTicks_ == kNever ? firstTicks() : lastTicks_ + pictureTicks_;
         if (lastTicks_ != kNever)
@@ -208,6 +211,8 @@ class LibavVideoDecoder final : public VideoDecoder {
     Packet packet_;
     Frame frame_;
     std::int64_t pictureTicks_ = 1;
+    std::int64_t lastShown_ =
+        std::numeric_limits<std::int64_t>::max();  ///< an edit list may end before the pictures do
     DecodedPicture current_;
     DecodedPicture next_;
     std::int64_t lastSent_ = kNever;     ///< decoding time of the last packet sent

@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
-extern "C" {
-#include <libavutil/frame.h>
-}
-
 #include <random>
 
 #include "platform/av/CompositionReader.h"
+#include "platform/ffmpeg/CanvasPictures.h"
 #include "tests/fixtures/ClipCache.h"
 #include "tests/fixtures/ClipWriter.h"
 #include "tests/fixtures/TestPattern.h"
@@ -48,8 +45,8 @@ Reel reel() {
 
 int shownAt(CompositionVideoReader& reader, MediaTime t) {
     const auto canvas = reader.render(reader.pictureAt(t));
-    const auto number =
-        fixtures::readFrameNumber({canvas->data[0], canvas->linesize[0], canvas->width, canvas->height});
+    const CanvasPlane luma = planeOf(*canvas, 0);
+    const auto number = fixtures::readFrameNumber({luma.data, luma.strideBytes, luma.width, luma.height});
     return number ? number->number : -1;
 }
 
@@ -78,7 +75,8 @@ TEST(CompositionVideoReader, behindTheEndTheCanvasIsBlack) {
     const Reel r = reel();
     CompositionVideoReader reader(r.composition, r.video, 1.0, 1, {});
     const auto canvas = reader.render(reader.pictureAt(r.composition->duration()));
-    EXPECT_EQ(canvas->data[0][40 * canvas->linesize[0] + 40], 16);
+    const CanvasPlane luma = planeOf(*canvas, 0);
+    EXPECT_EQ(luma.data[40 * luma.strideBytes + 40], 16);
 }
 
 TEST(CompositionVideoReader, aSmallerCanvasShowsTheSamePictureSmaller) {
