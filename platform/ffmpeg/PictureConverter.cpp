@@ -143,7 +143,7 @@ void PictureConverter::State::prepare(const AVFrame& frame) {
     ImageForm output = thinLast ? ImageForm::yuv444(beforeWidth, beforeHeight)
                                 : ImageForm::yuv420(beforeWidth, beforeHeight);
     if (swap)
-        output.chroma = plan->turning.mirroredAcross ? ZIMG_CHROMA_BOTTOM : ZIMG_CHROMA_TOP;
+        output.colors.chroma = plan->turning.mirroredAcross ? ZIMG_CHROMA_BOTTOM : ZIMG_CHROMA_TOP;
     if (description.highDynamicRange) {
         const ImageForm linear = ImageForm::linearRgb(beforeWidth, beforeHeight);
         scaling = std::make_unique<ScalingGraph>(source, linear);

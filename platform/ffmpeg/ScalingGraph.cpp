@@ -1,6 +1,7 @@
 #include "platform/ffmpeg/ScalingGraph.h"
 
-#include <cmath>
+#include <zimg.h>
+
 #include <string>
 
 #include "platform/ffmpeg/Handles.h"
@@ -33,14 +34,14 @@ zimg_image_format zimgFormat(const ImageForm& form) {
         isFloat ? ZIMG_PIXEL_FLOAT : (d->comp[0].depth > 8 ? ZIMG_PIXEL_WORD : ZIMG_PIXEL_BYTE);
     result.subsample_w = d->log2_chroma_w;
     result.subsample_h = d->log2_chroma_h;
-    result.color_family = form.family;
-    result.matrix_coefficients = form.matrix;
-    result.transfer_characteristics = form.transfer;
-    result.color_primaries = form.primaries;
+    result.color_family = form.colors.family;
+    result.matrix_coefficients = form.colors.matrix;
+    result.transfer_characteristics = form.colors.transfer;
+    result.color_primaries = form.colors.primaries;
     result.depth = static_cast<unsigned>(d->comp[0].depth);
-    result.pixel_range = form.range;
+    result.pixel_range = form.colors.range;
     result.field_parity = ZIMG_FIELD_PROGRESSIVE;
-    result.chroma_location = form.chroma;
+    result.chroma_location = form.colors.chroma;
     if (form.seen) {
         result.active_region.left = form.seen->x;
         result.active_region.top = form.seen->y;
@@ -52,7 +53,7 @@ zimg_image_format zimgFormat(const ImageForm& form) {
 
 /// The scaler's plane order for RGB is R, G, B; the media libraries keep G, B, R.
 int planeOf(const ImageForm& form, int component) {
-    if (form.family != ZIMG_COLOR_RGB)
+    if (form.colors.family != ZIMG_COLOR_RGB)
         return component;
     const AVPixFmtDescriptor* d = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(form.format));
     return d->comp[component].plane;
@@ -75,12 +76,7 @@ ImageForm ImageForm::of(const AVFrame& frame, const ColorDescription& colors) {
     form.width = frame.width;
     form.height = frame.height;
     form.format = frame.format;
-    form.family = colors.family;
-    form.matrix = colors.matrix;
-    form.transfer = colors.transfer;
-    form.primaries = colors.primaries;
-    form.range = colors.range;
-    form.chroma = colors.chroma;
+    form.colors = colors;
     return form;
 }
 
@@ -101,10 +97,10 @@ ImageForm ImageForm::yuv444(int width, int height) {
 ImageForm ImageForm::linearRgb(int width, int height) {
     ImageForm form = yuv420(width, height);
     form.format = AV_PIX_FMT_GBRPF32;
-    form.family = ZIMG_COLOR_RGB;
-    form.matrix = ZIMG_MATRIX_RGB;
-    form.transfer = ZIMG_TRANSFER_LINEAR;
-    form.range = ZIMG_RANGE_FULL;
+    form.colors.family = ZIMG_COLOR_RGB;
+    form.colors.matrix = ZIMG_MATRIX_RGB;
+    form.colors.transfer = ZIMG_TRANSFER_LINEAR;
+    form.colors.range = ZIMG_RANGE_FULL;
     return form;
 }
 

@@ -1,8 +1,6 @@
 // One plan of the scaling library: from a picture of one form to a picture of another.
 #pragma once
 
-#include <zimg.h>
-
 #include <memory>
 #include <optional>
 
@@ -18,12 +16,7 @@ struct ImageForm {
     int width = 0;
     int height = 0;
     int format = -1;  ///< the media libraries' pixel format
-    zimg_color_family_e family = ZIMG_COLOR_YUV;
-    zimg_matrix_coefficients_e matrix = ZIMG_MATRIX_BT709;
-    zimg_transfer_characteristics_e transfer = ZIMG_TRANSFER_BT709;
-    zimg_color_primaries_e primaries = ZIMG_PRIMARIES_BT709;
-    zimg_pixel_range_e range = ZIMG_RANGE_LIMITED;
-    zimg_chroma_location_e chroma = ZIMG_CHROMA_LEFT;
+    ColorDescription colors;
     std::optional<Rect> seen;  ///< the part that is used, in pixels, fractions allowed; none: all
 
     static ImageForm of(const AVFrame& frame, const ColorDescription& colors);

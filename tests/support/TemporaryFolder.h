@@ -27,9 +27,10 @@ class TemporaryFolder {
 
     const std::filesystem::path& path() const { return path_; }
 
-    /// Writes a file of this content and returns its path.
-    std::filesystem::path file(const std::string& name, const std::string& content) const {
-        std::ofstream(path_ / name) << content;
+    /// Writes a file of this content, with the folders above it, and returns its path.
+    std::filesystem::path file(const std::filesystem::path& name, const std::string& content) const {
+        std::filesystem::create_directories((path_ / name).parent_path());
+        std::ofstream(path_ / name, std::ios::binary) << content;
         return path_ / name;
     }
 

@@ -203,7 +203,7 @@ class SpoiledModel {
     }
     void spoil(const std::string& file, const std::string& bytes) {
         std::filesystem::remove(folder_ / file);
-        root.write(std::filesystem::relative(folder_ / file, root.path()), bytes);
+        root.file(std::filesystem::relative(folder_ / file, root.path()), bytes);
     }
     /// The file's first bytes only.
     void cutOff(const std::string& file, std::size_t length) {

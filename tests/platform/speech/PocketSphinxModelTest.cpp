@@ -5,7 +5,7 @@
 #include <array>
 
 #include "platform/speech/SpeechRecognizer.h"
-#include "tests/platform/speech/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace korvane {
 namespace {
@@ -43,12 +43,12 @@ std::string mixtureDump(int bits = 8) {
 class PocketSphinxModelTest : public testing::Test {
   protected:
     void writeModel(const std::string& folder, const std::string& name = "en-us") {
-        root.write(folder + "/" + name + "/mdef", phoneDefinition());
-        root.write(folder + "/" + name + "/sendump", mixtureDump());
-        root.write(folder + "/" + name + "/feat.params", "-lowerf 130\n-upperf 6800\n");
-        root.write(folder + "/" + name + ".lm.bin", "n-grams");
-        root.write(folder + "/" + name + "-phone.lm.bin", "phones");
-        root.write(folder + "/" + name + ".dict", "a AH");
+        root.file(folder + "/" + name + "/mdef", phoneDefinition());
+        root.file(folder + "/" + name + "/sendump", mixtureDump());
+        root.file(folder + "/" + name + "/feat.params", "-lowerf 130\n-upperf 6800\n");
+        root.file(folder + "/" + name + ".lm.bin", "n-grams");
+        root.file(folder + "/" + name + "-phone.lm.bin", "phones");
+        root.file(folder + "/" + name + ".dict", "a AH");
     }
     PocketSphinxModels models() const {
         StandardFolders folders;
@@ -92,19 +92,19 @@ TEST_F(PocketSphinxModelTest, withoutOneOfItsPartsItIsNoModel) {
 
 TEST_F(PocketSphinxModelTest, theRateOfTheModelCounts) {
     writeModel("m");
-    root.write("m/en-us/feat.params", "-lowerf 200 -samprate 8000.0\n-nfilt 15\n");
+    root.file("m/en-us/feat.params", "-lowerf 200 -samprate 8000.0\n-nfilt 15\n");
     EXPECT_EQ(modelIn("m")->rateHz, 8000);
     EXPECT_EQ(complaint("m"), "");
-    root.write("m/en-us/feat.params", "-samprate nonsense");
+    root.file("m/en-us/feat.params", "-samprate nonsense");
     EXPECT_NE(complaint("m"), "");
 }
 
 TEST_F(PocketSphinxModelTest, aWholeModelPassesTheCheck) {
     writeModel("m");
     EXPECT_EQ(complaint("m"), "");
-    root.write("m/en-us/sendump", mixtureDump(4));
+    root.file("m/en-us/sendump", mixtureDump(4));
     EXPECT_EQ(complaint("m"), "");
-    root.write("m/en-us/mdef", "0.3\n42 n_base\n");
+    root.file("m/en-us/mdef", "0.3\n42 n_base\n");
     EXPECT_EQ(complaint("m"), "") << "the text form is left to the engine";
 }
 
@@ -116,7 +116,7 @@ TEST_F(PocketSphinxModelTest, aFileCutOffAnywhereIsRefusedByName) {
     for (const auto& [name, whole] : files) {
         writeModel("m");
         for (std::size_t length = 0; length < whole.size(); ++length) {
-            root.write(std::filesystem::path("m") / name, whole.substr(0, length));
+            root.file(std::filesystem::path("m") / name, whole.substr(0, length));
             const auto said = complaint("m");
             ASSERT_NE(said.find(std::string(name) + "' is damaged"), std::string::npos)
                 << name << " of " << length << " bytes: " << said;
@@ -128,10 +128,10 @@ TEST_F(PocketSphinxModelTest, absurdNumbersInAFileAreRefused) {
     writeModel("m");
     auto bytes = phoneDefinition();
     bytes.replace(16, 4, number(0x7FFFFFFF));
-    root.write("m/en-us/mdef", bytes);
+    root.file("m/en-us/mdef", bytes);
     EXPECT_NE(complaint("m"), "");
     bytes.replace(16, 4, number(-1));
-    root.write("m/en-us/mdef", bytes);
+    root.file("m/en-us/mdef", bytes);
     EXPECT_NE(complaint("m"), "");
 }
 

@@ -62,7 +62,7 @@ class Recordings {
             longSpeech.insert(longSpeech.end(), sentence.begin(), sentence.end());
         writeWav(folder, "long.wav", longSpeech);
         writeWav(folder, "silence.wav", std::vector<std::int16_t>(2 * spokenRateHz));
-        folder.write("text.wav", "This is no recording.");
+        folder.file("text.wav", "This is no recording.");
     }
     TemporaryFolder folder;
     double seconds = 0.0;

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/speech/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace korvane {
 
@@ -30,12 +30,12 @@ inline std::filesystem::path writeWav(const TemporaryFolder& folder, const std::
                         little(16, 2) + "data" + little(size, 4);
     for (const auto sample : samples)
         bytes += little(static_cast<std::uint16_t>(sample), 2);
-    return folder.write(name, bytes);
+    return folder.file(name, bytes);
 }
 
 /// What flite's voice "rms" makes of a text, 16 kHz. \throws when flite isn't installed.
 inline std::vector<std::int16_t> speak(const TemporaryFolder& folder, const std::string& text) {
-    const auto words = folder.write("say.txt", text);
+    const auto words = folder.file("say.txt", text);
     const auto wav = folder.path() / "said.wav";
     const auto command = "flite -voice rms -f '" + words.string() + "' -o '" + wav.string() + "'";
     if (std::system(command.c_str()) != 0)

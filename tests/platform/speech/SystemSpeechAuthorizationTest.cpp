@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/platform/speech/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace korvane {
 namespace {
@@ -30,8 +30,8 @@ class SystemSpeechAuthorizationTest : public testing::Test {
         EXPECT_EQ(calls, 1);
         return answer.value_or(Status::notDetermined);
     }
-    void administratorSays(const std::string& word) { root.write("etc/korvane/speech-recognition", word); }
-    void personSays(const std::string& word) { root.write("home/korvane/speech-recognition", word); }
+    void administratorSays(const std::string& word) { root.file("etc/korvane/speech-recognition", word); }
+    void personSays(const std::string& word) { root.file("home/korvane/speech-recognition", word); }
 
     TemporaryFolder root;
     std::optional<std::string> variable;
