@@ -1,0 +1,29 @@
+// The measurements, one function each; every one makes its sources, runs its jobs in turns, and reports.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "bench/Report.h"
+#include "bench/SourceFiles.h"
+
+namespace korvane::bench {
+
+struct Setting {
+    std::string worker;  ///< korvane-bench-case
+    SourceFiles files;
+    int rounds = 5;
+};
+
+/// The export against ffmpeg's command line and against the encoder alone.
+void measureExport(const Setting& setting, Report& report);
+/// Taking the sound out against encoding it anew.
+void measureExtraction(const Setting& setting, Report& report);
+/// The same reel out of a minute and out of an hour, and the peak memory of short and long reels.
+void measureLengths(const Setting& setting, Report& report);
+/// Peak memory of reels of a minute's source.
+void measureMinuteMemory(const Setting& setting, Report& report);
+/// Recognition of so many minutes of speech.
+void measureRecognition(const Setting& setting, Report& report, int minutes);
+
+}  // namespace korvane::bench

@@ -1,0 +1,93 @@
+#include "bench/SourceFiles.h"
+
+#include <fstream>
+#include <functional>
+#include <iostream>
+
+#include "bench/ChildProcess.h"
+#include "bench/GeneratedPicture.h"
+
+namespace korvane::bench {
+namespace {
+
+constexpr int kRate = 30;
+constexpr int kMinuteSeconds = 60;
+
+constexpr const char* kStory =
+    "Every morning my father walked down to the station and took the early train to the city. He always "
+    "carried the same brown bag, a newspaper, and two apples. In the evening he told us what he had seen. "
+    "One day a man had lost his hat out of the window. Another day the train had stopped in the middle of "
+    "a field, and nobody could say why. We listened and asked him to begin again.\n";
+
+/// Makes a file beside its place, so that a run that is broken off leaves no half of one.
+std::filesystem::path madeOnce(const std::filesystem::path& file,
+                               const std::function<void(const std::string&)>& make) {
+    if (std::filesystem::exists(file))
+        return file;
+    std::cerr << "Making " << file.filename().string() << " ..." << std::endl;
+    const auto unfinished = file.parent_path() / ("unfinished-" + file.filename().string());
+    make(unfinished.string());
+    std::filesystem::rename(unfinished, file);
+    return file;
+}
+
+void repeat(const std::filesystem::path& file, int times, const std::string& destination) {
+    const auto list = file.parent_path() / "parts.txt";
+    std::ofstream lines(list);
+    for (int i = 0; i < times; ++i)
+        lines << "file '" << file.filename().string() << "'\n";
+    lines.close();
+    runChild({"ffmpeg", "-v", "error", "-y", "-f", "concat", "-i", list.string(), "-c", "copy", "-movflags",
+              "+faststart", destination});
+}
+
+}  // namespace
+
+SourceFiles::SourceFiles(std::filesystem::path folder) : folder_(std::move(folder)) {
+    std::filesystem::create_directories(folder_);
+}
+
+std::filesystem::path SourceFiles::minute() const {
+    return madeOnce(folder_ / "minute.mp4", [](const std::string& destination) {
+        GeneratedPicture picture;
+        int i = 0;
+        // clang-format off
+        feedChild({"ffmpeg", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "yuv420p", "-s", "1920x1080",
+                   "-r", std::to_string(kRate), "-i", "-",
+                   "-f", "lavfi", "-i", "anoisesrc=color=pink:amplitude=0.3:sample_rate=48000:seed=1,"
+                   "tremolo=f=4:d=0.8,aformat=channel_layouts=stereo", "-t", std::to_string(kMinuteSeconds),
+                   "-c:v", "libx264", "-preset", "veryfast", "-profile:v", "high", "-b:v", "15M",
+                   "-maxrate", "17M", "-bufsize", "17M", "-g", std::to_string(kRate), "-sc_threshold", "0", "-bf", "0",
+                   "-c:a", "aac", "-b:a", "192k", "-movflags", "+faststart", destination},
+                  [&]() -> const std::vector<std::uint8_t>* {
+                      if (i == kMinuteSeconds * kRate)
+                          return nullptr;
+                      return &picture.at(static_cast<double>(i++) / kRate);
+                  });
+        // clang-format on
+    });
+}
+
+std::filesystem::path SourceFiles::hour() const {
+    return madeOnce(folder_ / "hour.mp4",
+                    [this](const std::string& destination) { repeat(minute(), 60, destination); });
+}
+
+std::filesystem::path SourceFiles::speech(int minutes) const {
+    if (minutes > 1)
+        return madeOnce(folder_ / ("speech-" + std::to_string(minutes) + ".m4a"),
+                        [&](const std::string& destination) { repeat(speech(1), minutes, destination); });
+    return madeOnce(folder_ / "speech-1.m4a", [this](const std::string& destination) {
+        const auto text = folder_ / "story.txt";
+        std::ofstream story(text);
+        for (int i = 0; i < 4; ++i)  // spoken in some 20 s each
+            story << kStory;
+        story.close();
+        const auto wave = folder_ / "story.wav";
+        runChild({"flite", "-voice", "rms", "-f", text.string(), "-o", wave.string()});
+        runChild({"ffmpeg", "-v", "error", "-y", "-i", wave.string(), "-t", std::to_string(kMinuteSeconds),
+                  "-ar", "48000", "-c:a", "aac", "-b:a", "96k", destination});
+    });
+}
+
+}  // namespace korvane::bench

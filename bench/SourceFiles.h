@@ -1,0 +1,27 @@
+// The recordings that are measured on. Each is made once and kept.
+#pragma once
+
+#include <filesystem>
+
+namespace korvane::bench {
+
+class SourceFiles {
+  public:
+    /// \param folder  where they are kept; made when missing. An hour of video takes 7 GB.
+    explicit SourceFiles(std::filesystem::path folder);
+
+    /// A minute as from a phone: 1920 x 1080 at 30 pictures a second, H.264 High at 15 Mbit/s without
+    /// pictures that look ahead, a key picture every second, 48 kHz stereo AAC.
+    std::filesystem::path minute() const;
+    /// The minute, sixty times over.
+    std::filesystem::path hour() const;
+    /// An M4A file of synthetic English.
+    std::filesystem::path speech(int minutes) const;
+
+    const std::filesystem::path& folder() const { return folder_; }
+
+  private:
+    std::filesystem::path folder_;
+};
+
+}  // namespace korvane::bench
