@@ -10,6 +10,11 @@
 namespace korvane {
 namespace {
 
+// Not every protected file says so in its headers; what is still locked after reading can't be decoded.
+bool isEncrypted(const AVPacket& packet) {
+    return av_packet_get_side_data(&packet, AV_PKT_DATA_ENCRYPTION_INFO, nullptr) != nullptr;
+}
+
 // Containers of recordings only: no playlists (they would open other files or the network), no pictures, no
 // text.
 constexpr const char* kContainers =
@@ -93,6 +98,8 @@ bool Demuxer::read(AVPacket* packet) {
         checkCancelled(stop_);
         const int result = av_read_frame(format_.get(), packet);
         if (result >= 0) {
+            if (packet->stream_index == selected_ && isEncrypted(*packet))
+                throw MediaError(path_.string() + " is encrypted and can't be opened here.");
             if (packet->stream_index == selected_)
                 return true;
             av_packet_unref(packet);

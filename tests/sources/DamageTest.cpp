@@ -47,7 +47,8 @@ class Damage : public testing::Test {
                 .exportVideo(source, {{"one", 0.2, 0.4}, {"two", 1.5, 1.8}}, SubtitleSettings(), reel,
                              [](double) {}, {});
         } catch (const MediaError& error) {
-            EXPECT_GT(std::string(error.what()).size(), 10U);
+            sentence_ = error.what();
+            EXPECT_GT(sentence_.size(), 10U);
             EXPECT_TRUE(fs::is_empty(reel.parent_path())) << error.what();
             return false;
         } catch (const ExportError& error) {
@@ -62,6 +63,7 @@ class Damage : public testing::Test {
     }
 
     const fixtures::ScratchFolder folder_;
+    std::string sentence_;  ///< of the last run that failed to read or write
 };
 
 TEST_F(Damage, aFileWithoutItsEndHasNoIndexAndIsRefused) {
@@ -99,6 +101,15 @@ TEST_F(Damage, flippedBitsNeverLeaveHalfAReel) {
             run(folder_ / "flipped");
         }
     }
+}
+
+TEST_F(Damage, anEncryptedFileIsCalledThatAndMakesNoReel) {
+    write("locked.mp4", "mp4",
+          {{"encryption_scheme", "cenc-aes-ctr"},
+           {"encryption_key", "00112233445566778899aabbccddeeff"},
+           {"encryption_kid", "00112233445566778899aabbccddee01"}});
+    EXPECT_FALSE(run(folder_ / "locked.mp4"));
+    EXPECT_NE(sentence_.find("is encrypted"), std::string::npos) << sentence_;
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include "media/ProcessingError.h"
 #include "media/VideoProcessor.h"
+#include "platform/ffmpeg/MediaError.h"
 #include "platform/tasks/Cancellation.h"
 #include "tests/fixtures/AudioCode.h"
 #include "tests/fixtures/ClipCache.h"
@@ -210,6 +211,21 @@ TEST_F(Extraction, aVideoWithoutSoundIsRefusedInWords) {
         EXPECT_STREQ(error.what(), "The selected video has no audio track.");
     }
     EXPECT_TRUE(progress_.empty());
+}
+
+TEST_F(Extraction, encryptedSoundIsRefusedInsteadOfCopied) {
+    ClipSpec spec = clip({});
+    spec.container = "mp4";
+    spec.muxerOptions = {{"encryption_scheme", "cenc-aes-ctr"},
+                         {"encryption_key", "00112233445566778899aabbccddeeff"},
+                         {"encryption_kid", "00112233445566778899aabbccddee01"}};
+    fixtures::writeClip(spec, folder_ / "locked.mp4");
+    try {
+        extract(folder_ / "locked.mp4");
+        FAIL() << "nothing was thrown";
+    } catch (const MediaError& error) {
+        EXPECT_NE(std::string(error.what()).find("is encrypted"), std::string::npos) << error.what();
+    }
 }
 
 TEST_F(Extraction, twoRunsWriteTwoFiles) {
