@@ -5,6 +5,17 @@
 #include "platform/ffmpeg/MediaProbe.h"
 
 namespace korvane {
+namespace {
+
+/// Phones write the same sound a second time in a spatial form that has no decoder here; beside sound that
+/// can be heard, it is left out rather than in the way.
+bool isNeedless(const StreamFacts& stream, const std::vector<StreamFacts>& all) {
+    return !stream.isVideo && !stream.decodable && std::ranges::any_of(all, [](const StreamFacts& other) {
+        return !other.isVideo && other.decodable;
+    });
+}
+
+}  // namespace
 
 const char* mediaTypeName(MediaType type) {
     switch (type) {
@@ -34,6 +45,8 @@ const Asset::Contents& Asset::contents() {
     auto read = std::make_unique<Contents>();
     read->duration = facts.duration;
     for (const StreamFacts& stream : facts.streams) {
+        if (isNeedless(stream, facts.streams))
+            continue;
         AssetTrack track;
         track.path = path_;
         track.mediaType = stream.isVideo ? MediaType::video : MediaType::audio;

@@ -51,8 +51,9 @@ class Asset {
     /// True when every first track can be decoded here. Never throws.
     virtual bool isPlayable();
 
-    /// Tracks in the container's order; attached pictures are not video tracks. Blocks.
-    /// \throws MediaError when the file can't be opened or understood; CancellationError, like loadDuration.
+    /// Tracks in the container's order; attached pictures are not video tracks, and sound that can't be
+    /// decoded here is left out where there is other sound. Blocks. \throws MediaError when the file can't be
+    /// opened or understood; CancellationError, like loadDuration.
     virtual std::vector<AssetTrack> loadTracks(MediaType type);
 
     /// From time 0 to the end of the longest track; read from the packets where the container has no

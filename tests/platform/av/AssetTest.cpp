@@ -6,6 +6,7 @@
 #include "platform/tasks/Cancellation.h"
 #include "tests/fixtures/ClipCache.h"
 #include "tests/fixtures/ClipWriter.h"
+#include "tests/fixtures/FileSurgery.h"
 
 namespace korvane {
 namespace {
@@ -31,6 +32,29 @@ TEST(Asset, tellsTracksInTheFilesOrderWithoutTheCoverPicture) {
     EXPECT_EQ(audio[0].channels, 1);
     EXPECT_EQ(audio[1].channels, 2);
     EXPECT_NEAR(asset.loadDuration().seconds(), 4.0, 0.05);
+}
+
+TEST(Asset, soundThatCannotBeDecodedIsATrackOnlyWhereThereIsNoOther) {
+    const fixtures::ScratchFolder folder;
+    fixtures::ClipSpec clip;
+    clip.video = {fixtures::VideoSpec::constantRate({30, 1}, 1.0)};
+    clip.audio = {fixtures::AudioSpec{}};
+    clip.audio[0].codec = "pcm_s16le";
+    fixtures::writeClip(clip, folder / "one.mov");
+    fixtures::setSampleFormat(folder / "one.mov", 1, "apac");
+    Asset one(folder / "one.mov");
+    EXPECT_EQ(one.loadTracks(MediaType::audio).size(), 1U);
+    EXPECT_TRUE(one.isReadable());
+    EXPECT_FALSE(one.isPlayable());
+
+    clip.audio.push_back(fixtures::AudioSpec{});
+    fixtures::writeClip(clip, folder / "two.mov");
+    fixtures::setSampleFormat(folder / "two.mov", 1, "apac");
+    Asset two(folder / "two.mov");
+    const auto audio = two.loadTracks(MediaType::audio);
+    ASSERT_EQ(audio.size(), 1U);
+    EXPECT_EQ(audio[0].streamIndex, 2);
+    EXPECT_TRUE(two.isPlayable());
 }
 
 TEST(Asset, aFileThatIsNoVideoIsNotReadableAndSaysWhyWhenItLoads) {
