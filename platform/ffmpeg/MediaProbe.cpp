@@ -48,6 +48,14 @@ AffineTransform movedToOrigin(AffineTransform t, Size size) {
     return t;
 }
 
+/// The nearest quarter turn, mirrored or not: pictures are turned by moving pixels. Some editors write a
+/// matrix that tilts the picture; upright is better than nothing to see.
+AffineTransform withoutTilt(AffineTransform t) {
+    const bool lies = std::abs(t.b) + std::abs(t.c) > std::abs(t.a) + std::abs(t.d);
+    return lies ? AffineTransform{0.0, t.b, t.c, 0.0, 0.0, 0.0}
+                : AffineTransform{t.a, 0.0, 0.0, t.d, 0.0, 0.0};
+}
+
 AffineTransform orientationOf(const AVStream& stream, Size size) {
     std::size_t bytes = 0;
     const std::uint8_t* data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &bytes);
@@ -55,7 +63,7 @@ AffineTransform orientationOf(const AVStream& stream, Size size) {
         return {};
     const auto* m = reinterpret_cast<const std::int32_t*>(data);
     const auto fixed = [](std::int32_t v) { return static_cast<double>(v) / 65536.0; };
-    const AffineTransform t{fixed(m[0]), fixed(m[1]), fixed(m[3]), fixed(m[4]), 0.0, 0.0};
+    const AffineTransform t = withoutTilt({fixed(m[0]), fixed(m[1]), fixed(m[3]), fixed(m[4]), 0.0, 0.0});
     if (std::abs(t.a * t.d - t.b * t.c) < 1e-6)
         return {};  // a matrix that would flatten the picture is no orientation
     return movedToOrigin(t, size);

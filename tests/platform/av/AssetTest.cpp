@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <utility>
+
 #include "platform/ffmpeg/MediaError.h"
 #include "platform/tasks/Cancellation.h"
 #include "tests/fixtures/ClipCache.h"
@@ -97,6 +100,31 @@ TEST(Asset, everyOrientationStandsAtTheOrigin) {
             fixtures::orientationMatrix(orientation, track.naturalSize.width, track.naturalSize.height);
         const AffineTransform expected{double(m.a), double(m.b), double(m.c), double(m.d), m.tx, m.ty};
         EXPECT_EQ(track.preferredTransform, expected) << orientation;
+    }
+}
+
+TEST(Asset, aTiltedPictureStandsAsTheNearestQuarterTurnSays) {
+    const fixtures::ScratchFolder folder;
+    fixtures::ClipSpec clip;
+    clip.video = {fixtures::VideoSpec::constantRate({25, 1}, 1.0)};
+    // Which way each is seen: signs of a, b, c, d, and where the corner stands.
+    const std::pair<double, AffineTransform> cases[] = {
+        {0.0, {1.0, 0.0, 0.0, 1.0, 0.0, 0.0}},         {3.0, {1.0, 0.0, 0.0, 1.0, 0.0, 0.0}},
+        {90.0, {0.0, 1.0, -1.0, 0.0, 320.0, 0.0}},     {60.0, {0.0, 1.0, -1.0, 0.0, 320.0, 0.0}},
+        {170.0, {-1.0, 0.0, 0.0, -1.0, 180.0, 320.0}}, {-80.0, {0.0, -1.0, 1.0, 0.0, 0.0, 180.0}},
+    };
+    for (const auto& [degrees, upright] : cases) {
+        fixtures::writeClip(clip, folder / "tilted.mov");
+        fixtures::setRotation(folder / "tilted.mov", 0, degrees);
+        Asset asset(folder / "tilted.mov");
+        const AffineTransform t = asset.loadTracks(MediaType::video).at(0).preferredTransform;
+        const double size = std::abs(t.a) + std::abs(t.b);
+        EXPECT_NEAR(t.a / size, upright.a, 1e-9) << degrees;
+        EXPECT_NEAR(t.b / size, upright.b, 1e-9) << degrees;
+        EXPECT_NEAR(t.c / size, upright.c, 1e-9) << degrees;
+        EXPECT_NEAR(t.d / size, upright.d, 1e-9) << degrees;
+        EXPECT_NEAR(t.tx / size, upright.tx, 1e-6) << degrees;
+        EXPECT_NEAR(t.ty / size, upright.ty, 1e-6) << degrees;
     }
 }
 
