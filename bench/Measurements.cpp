@@ -139,9 +139,9 @@ void measureExport(const Setting& setting, Report& report) {
     measureExportOf(setting, report, kPhrasesShape);
 }
 
-void measureExtraction(const Setting& setting, Report& report) {
-    report.section("Extraction: AAC out of a minute");
-    const auto video = setting.files.minute();
+void measureExtraction(const Setting& setting, Report& report, int minutes) {
+    report.section("Extraction: AAC out of " + std::to_string(minutes) + " min");
+    const auto video = minutes == 1 ? setting.files.minute() : setting.files.video(minutes);
     const std::string anew = (setting.files.folder() / "anew.m4a").string();
     Uses our;
     Uses their;
@@ -162,7 +162,7 @@ void measureExtraction(const Setting& setting, Report& report) {
 void measureLengths(const Setting& setting, Report& report) {
     report.section("Length: 20 s in 64 words out of an hour and out of a minute");
     const auto minute = setting.files.minute();
-    const auto hour = setting.files.hour();
+    const auto hour = setting.files.video(60);
     const std::string destination = (setting.files.folder() / "length.mp4").string();
     Uses ofMinute;
     Uses ofHour;

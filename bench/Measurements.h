@@ -17,8 +17,8 @@ struct Setting {
 
 /// The export against ffmpeg's command line and against the encoder alone.
 void measureExport(const Setting& setting, Report& report);
-/// Taking the sound out against encoding it anew.
-void measureExtraction(const Setting& setting, Report& report);
+/// Taking the sound out of so many minutes against encoding it anew.
+void measureExtraction(const Setting& setting, Report& report, int minutes);
 /// The same reel out of a minute and out of an hour, and the peak memory of short and long reels.
 void measureLengths(const Setting& setting, Report& report);
 /// Peak memory of reels of a minute's source.

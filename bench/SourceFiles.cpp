@@ -13,6 +13,10 @@ namespace {
 constexpr int kRate = 30;
 constexpr int kMinuteSeconds = 60;
 
+constexpr const char* kSound =
+    "anoisesrc=color=pink:amplitude=0.3:sample_rate=48000:seed=1,tremolo=f=4:d=0.8,"
+    "aformat=channel_layouts=stereo";
+
 constexpr const char* kStory =
     "Every morning my father walked down to the station and took the early train to the city. He always "
     "carried the same brown bag, a newspaper, and two apples. In the evening he told us what he had seen. "
@@ -31,14 +35,13 @@ std::filesystem::path madeOnce(const std::filesystem::path& file,
     return file;
 }
 
-void repeat(const std::filesystem::path& file, int times, const std::string& destination) {
+/// A list of the same file so many times, for ffmpeg's concat demuxer.
+std::string partsList(const std::filesystem::path& file, int times) {
     const auto list = file.parent_path() / "parts.txt";
     std::ofstream lines(list);
     for (int i = 0; i < times; ++i)
         lines << "file '" << file.filename().string() << "'\n";
-    lines.close();
-    runChild({"ffmpeg", "-v", "error", "-y", "-f", "concat", "-i", list.string(), "-c", "copy", "-movflags",
-              "+faststart", destination});
+    return list.string();
 }
 
 }  // namespace
@@ -54,8 +57,7 @@ std::filesystem::path SourceFiles::minute() const {
         // clang-format off
         feedChild({"ffmpeg", "-v", "error", "-y", "-f", "rawvideo", "-pix_fmt", "yuv420p", "-s", "1920x1080",
                    "-r", std::to_string(kRate), "-i", "-",
-                   "-f", "lavfi", "-i", "anoisesrc=color=pink:amplitude=0.3:sample_rate=48000:seed=1,"
-                   "tremolo=f=4:d=0.8,aformat=channel_layouts=stereo", "-t", std::to_string(kMinuteSeconds),
+                   "-f", "lavfi", "-i", kSound, "-t", std::to_string(kMinuteSeconds),
                    "-c:v", "libx264", "-preset", "veryfast", "-profile:v", "high", "-b:v", "15M",
                    "-maxrate", "17M", "-bufsize", "17M", "-g", std::to_string(kRate), "-sc_threshold", "0", "-bf", "0",
                    "-c:a", "aac", "-b:a", "192k", "-movflags", "+faststart", destination},
@@ -68,15 +70,33 @@ std::filesystem::path SourceFiles::minute() const {
     });
 }
 
-std::filesystem::path SourceFiles::hour() const {
-    return madeOnce(folder_ / "hour.mp4",
-                    [this](const std::string& destination) { repeat(minute(), 60, destination); });
+std::filesystem::path SourceFiles::video(int minutes) const {
+    return madeOnce(folder_ / ("video-" + std::to_string(minutes) + ".mp4"),
+                    [&](const std::string& destination) {
+                        runChild({"ffmpeg",    "-v",
+                                  "error",     "-y",
+                                  "-f",        "concat",
+                                  "-i",        partsList(minute(), minutes),
+                                  "-f",        "lavfi",
+                                  "-i",        kSound,
+                                  "-map",      "0:v",
+                                  "-map",      "1:a",
+                                  "-t",        std::to_string(minutes * kMinuteSeconds),
+                                  "-c:v",      "copy",
+                                  "-c:a",      "aac",
+                                  "-b:a",      "192k",
+                                  "-movflags", "+faststart",
+                                  destination});
+                    });
 }
 
 std::filesystem::path SourceFiles::speech(int minutes) const {
     if (minutes > 1)
         return madeOnce(folder_ / ("speech-" + std::to_string(minutes) + ".m4a"),
-                        [&](const std::string& destination) { repeat(speech(1), minutes, destination); });
+                        [&](const std::string& destination) {
+                            runChild({"ffmpeg", "-v", "error", "-y", "-f", "concat", "-i",
+                                      partsList(speech(1), minutes), "-c", "copy", destination});
+                        });
     return madeOnce(folder_ / "speech-1.m4a", [this](const std::string& destination) {
         const auto text = folder_ / "story.txt";
         std::ofstream story(text);

@@ -13,8 +13,8 @@ class SourceFiles {
     /// A minute as from a phone: 1920 x 1080 at 30 pictures a second, H.264 High at 15 Mbit/s without
     /// pictures that look ahead, a key picture every second, 48 kHz stereo AAC.
     std::filesystem::path minute() const;
-    /// The minute, sixty times over.
-    std::filesystem::path hour() const;
+    /// The minute's picture so many times over, with sound without a seam.
+    std::filesystem::path video(int minutes) const;
     /// An M4A file of synthetic English.
     std::filesystem::path speech(int minutes) const;
 

@@ -84,7 +84,9 @@ void measure(const Options& options, Report& report) {
     if (options.wants("export"))
         measureExport(setting, report);
     if (options.wants("extraction"))
-        measureExtraction(setting, report);
+        measureExtraction(setting, report, 1);
+    if (options.wants("extraction") && !options.quick)
+        measureExtraction(setting, report, 10);
     if (options.wants("memory"))
         measureMinuteMemory(setting, report);
     if (options.wants("lengths") && !options.quick)
