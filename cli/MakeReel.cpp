@@ -4,6 +4,8 @@
 #include "cli/WholeFile.h"
 #include "editor/ExportError.h"
 #include "editor/VideoEditor.h"
+#include "platform/av/Asset.h"
+#include "platform/ffmpeg/VideoDecoder.h"
 
 namespace korvane::cli {
 
@@ -20,6 +22,13 @@ SubtitleSettings chosenStyle(const std::optional<std::filesystem::path>& file, c
     } catch (const SubtitleSettingsError& error) {
         throw Failure("\"" + file->string() + "\" is no subtitle style: " + error.what() + ".");
     }
+}
+
+void requirePicture(const std::filesystem::path& video, const std::stop_token& stop) {
+    const auto tracks = Asset(video, stop).loadTracks(MediaType::video);
+    if (tracks.empty())
+        throw ExportError::noVideoTrack();
+    VideoDecoder::open(video, tracks.front().streamIndex, 1, stop)->pictureAt(kZeroTime);
 }
 
 CommandOutput makeReel(const std::filesystem::path& video, const std::vector<SpeechSegment>& words,

@@ -17,6 +17,10 @@ namespace korvane::cli {
 SubtitleSettings chosenStyle(const std::optional<std::filesystem::path>& file, const CommandContext& context,
                              const std::stop_token& stop);
 
+/// Looks whether a reel can be made of the video at all, before an old one is removed or a person waits for
+/// words. \throws MediaError saying what is wrong with the file, ExportError noVideoTrack, CancellationError.
+void requirePicture(const std::filesystem::path& video, const std::stop_token& stop);
+
 /// Exports the words that the options choose.
 /// \throws UsageError for a selection outside the words, the editor's own errors, CancellationError.
 CommandOutput makeReel(const std::filesystem::path& video, const std::vector<SpeechSegment>& words,

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QTimer>
+#include <cstdio>
 #include <memory>
 #include <stop_token>
 
@@ -91,7 +92,10 @@ ExitCode run(const Invocation& invocation, Console& console) {
         // Whatever a stopped service fails with, it is a stop.
         if (source.stop_requested()) {
             console.error("Stopped.");
-            return ExitCode::stopped;
+            // Everything temporary went with the worker. What is left would only be waited for: a speech
+            // engine in the middle of loading its model can't be interrupted.
+            std::fflush(nullptr);
+            _exit(static_cast<int>(ExitCode::stopped));
         }
         console.error(error.what());
         if (const auto* failure = dynamic_cast<const Failure*>(&error); failure && !failure->hint().empty())

@@ -211,6 +211,14 @@ class BadInput(Case):
         self.assertEqual(self.fails("export", CLIPS / "sound.m4a", "-w", "words.json", "-o", "out.mp4"),
                          "The source video has no video track.")
 
+    def test_an_old_reel_stays_when_the_source_is_none(self):
+        self.words()
+        (self.folder / "cut.mp4").write_bytes(self.video.read_bytes()[:5000])
+        (self.folder / "old.mp4").write_text("last week's reel")
+        for source in ("cut.mp4", CLIPS / "sound.m4a"):
+            self.fails("export", source, "-w", "words.json", "-o", "old.mp4")
+            self.assertEqual((self.folder / "old.mp4").read_text(), "last week's reel")
+
     def test_a_video_that_says_nothing_is_told_from_a_failure(self):
         self.assertEqual(self.reel_fails(CLIPS / "silent.mp4"), "No speech was detected in the video.")
 
@@ -373,7 +381,8 @@ class Stopping(Case):
         for number in signals:
             process.send_signal(number)
         out, err = process.communicate(timeout=100)
-        self.assertLess(time.monotonic() - began, 2.0)
+        # Far above what it takes, for machines that have other work too.
+        self.assertLess(time.monotonic() - began, 1.0)
         # At once may be before main: then there is nobody yet who could turn the signal into a code.
         self.assertIn(process.returncode, (130,) if moment else (130, -signals[0]), out + seen + err)
         self.assertEqual(self.names(), before, "files came or went")
