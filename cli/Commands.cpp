@@ -60,9 +60,9 @@ CommandOutput runReel(const ReelRequest& request, const CommandContext& context,
     requireReadableFile(request.video);
     requireWritableDestination(request.reel.output, inputsOf(request.video, request.reel.style));
     const auto style = chosenStyle(request.reel.style, context, stop);
-    requirePicture(request.video, stop);
+    const MediaTime length = requirePicture(request.video, stop);
     const auto transcript = transcribeVideo(request.video, request.language, context, stop);
-    return makeReel(request.video, transcript.words, style, request.reel, context, stop);
+    return makeReel(request.video, transcript.words, length, style, request.reel, context, stop);
 }
 
 CommandOutput runExport(const ExportRequest& request, const CommandContext& context,
@@ -75,8 +75,8 @@ CommandOutput runExport(const ExportRequest& request, const CommandContext& cont
     const auto style = chosenStyle(request.reel.style, context, stop);
     const std::string name = request.words == "-" ? "Standard input" : "\"" + request.words.string() + "\"";
     const auto transcript = parseWordsFile(name, readWholeFile(request.words, largestWordsFileBytes, stop));
-    requirePicture(request.video, stop);
-    return makeReel(request.video, transcript.words, style, request.reel, context, stop);
+    const MediaTime length = requirePicture(request.video, stop);
+    return makeReel(request.video, transcript.words, length, style, request.reel, context, stop);
 }
 
 }  // namespace korvane::cli

@@ -43,7 +43,7 @@ constexpr std::string_view reel =
 Usage: korvane-cli reel VIDEO --language LANGUAGE [options]
 
   -l, --language LANGUAGE  the language spoken, such as en-US; see korvane-cli languages
-  -o, --output OUT.mp4     the reel; an existing file is replaced
+  -o, --output OUT.mp4     the reel; an older file of that name is removed first
                            (korvane_output.mp4 in the current folder)
 )";
 
@@ -57,7 +57,7 @@ Usage: korvane-cli export VIDEO --words WORDS.json [options]
                            [{"text": "So", "start": 0.31, "end": 0.52}, ...]}
                            of which only "words" is required, or just the array of words;
                            times are seconds of the video
-  -o, --output OUT.mp4     the reel; an existing file is replaced
+  -o, --output OUT.mp4     the reel; an older file of that name is removed first
                            (korvane_output.mp4 in the current folder)
 )";
 

@@ -1,5 +1,7 @@
 #include "cli/MakeReel.h"
 
+#include <algorithm>
+
 #include "cli/Failure.h"
 #include "cli/WholeFile.h"
 #include "editor/ExportError.h"
@@ -24,15 +26,27 @@ SubtitleSettings chosenStyle(const std::optional<std::filesystem::path>& file, c
     }
 }
 
-void requirePicture(const std::filesystem::path& video, const std::stop_token& stop) {
-    const auto tracks = Asset(video, stop).loadTracks(MediaType::video);
+namespace {
+
+bool liesInside(const SpeechSegment& word, MediaTime length) {
+    const double end = length.seconds();
+    return MediaTime::fromSeconds(std::clamp(word.start(), 0.0, end)) <
+           MediaTime::fromSeconds(std::clamp(word.end(), 0.0, end));
+}
+
+}  // namespace
+
+MediaTime requirePicture(const std::filesystem::path& video, const std::stop_token& stop) {
+    Asset asset(video, stop);
+    const auto tracks = asset.loadTracks(MediaType::video);
     if (tracks.empty())
         throw ExportError::noVideoTrack();
     VideoDecoder::open(video, tracks.front().streamIndex, 1, stop)->pictureAt(kZeroTime);
+    return asset.loadDuration();
 }
 
 CommandOutput makeReel(const std::filesystem::path& video, const std::vector<SpeechSegment>& words,
-                       const SubtitleSettings& style, const ReelOptions& options,
+                       MediaTime length, const SubtitleSettings& style, const ReelOptions& options,
                        const CommandContext& context, const std::stop_token& stop) {
     const auto indices = resolveSelection(options.selected, options.dropped, words.size());
     if (indices.empty())
@@ -41,6 +55,9 @@ CommandOutput makeReel(const std::filesystem::path& video, const std::vector<Spe
     chosen.reserve(indices.size());
     for (const auto index : indices)
         chosen.push_back(words[index]);
+    if (std::ranges::none_of(chosen,
+                             [length](const SpeechSegment& word) { return liesInside(word, length); }))
+        throw ExportError::noContentInserted();
 
     context.queue.post([&console = context.console] {
         console.beginOperation();

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <langinfo.h>
+#include <pwd.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -38,6 +39,17 @@ void dropLibraryChatter(QtMsgType type, const QMessageLogContext&, const QString
         std::fputs((message.toStdString() + "\n").c_str(), stderr);
 }
 
+// What names the person's folders may be missing (services, minimal shells) or empty.
+void nameFolders() {
+    const char* temporary = std::getenv("TMPDIR");
+    if (temporary != nullptr && *temporary == '\0')
+        unsetenv("TMPDIR");
+    const char* home = std::getenv("HOME");
+    const passwd* account = home == nullptr || *home == '\0' ? getpwuid(getuid()) : nullptr;
+    if (account != nullptr && account->pw_dir != nullptr)
+        setenv("HOME", account->pw_dir, 1);
+}
+
 }  // namespace
 
 void prepareProcess() {
@@ -45,6 +57,7 @@ void prepareProcess() {
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN);
     useUtf8();
+    nameFolders();
     qInstallMessageHandler(dropLibraryChatter);
 }
 

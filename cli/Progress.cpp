@@ -48,7 +48,9 @@ double overallProgress(Phase phase, double fraction) {
 }
 
 std::optional<std::string> etaText(const ProgressState& state) {
-    if (!(state.overall > 0.05))
+    // Taking the sound out is a matter of a moment, and says nothing about the recognition that follows.
+    const double tooEarly = state.phase == Phase::exportingVideo ? 0.05 : extractionShare + 0.05;
+    if (!(state.overall > tooEarly))
         return std::nullopt;
     const double remaining = state.elapsedSeconds / state.overall - state.elapsedSeconds;
     if (remaining < 5.0)

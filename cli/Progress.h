@@ -22,7 +22,8 @@ struct ProgressState {
     double elapsedSeconds = 0.0;  ///< since the operation began
 };
 
-/// "Almost done…", "~42s left" or "~3m 7s left"; none in the first 5 %, where an estimate would be a guess.
+/// "Almost done…", "~42s left" or "~3m 7s left"; none in the first 5 % of an export and of a
+/// recognition, where an estimate would be a guess.
 std::optional<std::string> etaText(const ProgressState& state);
 
 /// Truncated, so that 100 % means done.

@@ -94,8 +94,9 @@ class Reader {
                 refuse("has a " + where + " without \"text\".");
             if (!text.isString())
                 refuse("has a " + where + " whose \"text\" is " + kind(text) + " where a text is needed.");
-            result.emplace_back(text.toString().toStdString(), seconds(word, QLatin1String("start"), where),
-                                seconds(word, QLatin1String("end"), where));
+            const double start = seconds(word, QLatin1String("start"), where);
+            const double end = seconds(word, QLatin1String("end"), where);
+            result.emplace_back(text.toString().toStdString(), start, end);
         }
         return result;
     }

@@ -37,11 +37,14 @@ Asset::Asset(std::filesystem::path path, std::stop_token stop)
     : path_(std::move(path)), stop_(std::move(stop)) {}
 Asset::~Asset() = default;
 
-const Asset::Contents& Asset::contents() {
+const Asset::Contents& Asset::contents(bool soundOnly) {
     const std::scoped_lock lock(mutex_);
     if (contents_)
         return *contents_;
-    const MediaFacts facts = probeMedia(path_, stop_);
+    if (soundOnly && soundContents_)
+        return *soundContents_;
+    const MediaFacts facts =
+        probeMedia(path_, stop_, soundOnly ? ProbeInterest::sound : ProbeInterest::everything);
     auto read = std::make_unique<Contents>();
     read->duration = facts.duration;
     for (const StreamFacts& stream : facts.streams) {
@@ -60,13 +63,14 @@ const Asset::Contents& Asset::contents() {
         read->tracks.push_back(track);
         read->decodable.push_back(stream.decodable);
     }
-    contents_ = std::move(read);
-    return *contents_;
+    auto& kept = soundOnly ? soundContents_ : contents_;
+    kept = std::move(read);
+    return *kept;
 }
 
 bool Asset::isReadable() {
     try {
-        return !contents().tracks.empty();
+        return !contents(false).tracks.empty();
     } catch (const std::exception&) {
         return false;  // whoever loads the tracks gets the reason
     }
@@ -75,7 +79,7 @@ bool Asset::isReadable() {
 bool Asset::isPlayable() {
     if (!isReadable())
         return false;
-    const Contents& c = contents();
+    const Contents& c = contents(false);
     bool seen[2] = {};
     for (std::size_t i = 0; i < c.tracks.size(); ++i) {
         bool& first = seen[c.tracks[i].mediaType == MediaType::video ? 0 : 1];
@@ -88,13 +92,13 @@ bool Asset::isPlayable() {
 
 std::vector<AssetTrack> Asset::loadTracks(MediaType type) {
     std::vector<AssetTrack> result;
-    std::ranges::copy_if(contents().tracks, std::back_inserter(result),
+    std::ranges::copy_if(contents(type == MediaType::audio).tracks, std::back_inserter(result),
                          [type](const AssetTrack& t) { return t.mediaType == type; });
     return result;
 }
 
 MediaTime Asset::loadDuration() {
-    return contents().duration;
+    return contents(true).duration;
 }
 
 }  // namespace korvane

@@ -62,12 +62,14 @@ class Asset {
 
   private:
     struct Contents;
-    const Contents& contents();
+    /// What the file holds; with only sound in mind, from a quicker look. Kept.
+    const Contents& contents(bool soundOnly);
 
     std::filesystem::path path_;
     std::stop_token stop_;
     std::mutex mutex_;
     std::unique_ptr<Contents> contents_;
+    std::unique_ptr<Contents> soundContents_;
 };
 
 }  // namespace korvane

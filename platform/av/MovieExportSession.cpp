@@ -15,7 +15,24 @@ namespace {
 
 // Enough to keep the stages busy side by side; a canvas picture is 3 MB.
 constexpr std::size_t kQueuedPictures = 4;
-constexpr int kDecodingThreads = 2;
+// What waits between decoding and drawing; pictures of a large source take 25 MB each.
+constexpr double kQueuedSourceBytes = 40e6;
+
+/// The encoder has the larger part of the work. More decoding threads than it leaves cores only hold more
+/// pictures.
+int decodingThreads() {
+    return std::clamp(static_cast<int>(std::thread::hardware_concurrency()) / 2, 1, 8);
+}
+
+std::size_t queuedSourcePictures(const Composition& composition) {
+    double largest = 1.0;
+    for (const CompositionTrack* track : composition.tracks(MediaType::video))
+        for (const TrackSegment& s : track->segments())
+            largest = std::max(largest, s.track.naturalSize.width * s.track.naturalSize.height);
+    constexpr double kBytesAPixel = 3.0;  // 4:2:0 in 16-bit words
+    return static_cast<std::size_t>(
+        std::clamp(kQueuedSourceBytes / (largest * kBytesAPixel), 1.0, double(kQueuedPictures)));
+}
 
 int wholeRate(MediaTime frameDuration) {
     if (frameDuration <= kZeroTime || frameDuration.timescale() % frameDuration.value() != 0)
@@ -48,11 +65,12 @@ VideoComposition plainVideoComposition(const Composition& composition) {
 class ExportPipeline {
   public:
     ExportPipeline(CompositionVideoReader& video, MediaTime start, std::int64_t count, int rate,
-                   const std::stop_token& stop)
+                   std::size_t queuedSources, const std::stop_token& stop)
         : video_(video),
           start_(start),
           count_(count),
           rate_(rate),
+          decoded_(queuedSources),
           forwarded_(stop, [this] { stop_.request_stop(); }),
           decoder_([this] { guarded([this] { decodeAll(); }); }),
           drawer_([this] { guarded([this] { drawAll(); }); }) {}
@@ -111,7 +129,7 @@ class ExportPipeline {
     std::int64_t count_;
     int rate_;
     std::stop_source stop_;
-    BoundedQueue<TimedPicture> decoded_{kQueuedPictures};
+    BoundedQueue<TimedPicture> decoded_;
     BoundedQueue<std::shared_ptr<AVFrame>> drawn_{kQueuedPictures};
     std::mutex mutex_;
     std::exception_ptr failure_;
@@ -141,14 +159,15 @@ class MovieExportSession final : public SessionBase {
         const std::int64_t firstSample = sound ? range.start.toUnits(sound->rateHz) : 0;
         const std::int64_t lastSample = sound ? range.end().toUnits(sound->rateHz) : 0;
 
-        CompositionVideoReader videoReader(composition_, video, 1.0, kDecodingThreads, stop);
+        CompositionVideoReader videoReader(composition_, video, 1.0, decodingThreads(), stop);
         std::optional<CompositionAudioReader> audioReader;
         if (sound)
             audioReader.emplace(composition_, audioMix, *sound, stop);
         const auto writer = MovieWriter::open(
             outputPath, VideoEncoding{videoReader.width(), videoReader.height(), rate}, sound, stop);
 
-        ExportPipeline pipeline(videoReader, range.start, pictures, rate, stop);
+        ExportPipeline pipeline(videoReader, range.start, pictures, rate, queuedSourcePictures(*composition_),
+                                stop);
         std::vector<float> samples;
         std::int64_t position = firstSample;
         for (std::int64_t i = 0; i < pictures; ++i) {

@@ -169,7 +169,7 @@ class PacketCopy {
 bool copyAacTrack(const std::filesystem::path& source, int streamIndex,
                   const std::filesystem::path& destination, const std::function<void(double)>& progress,
                   std::stop_token stop) {
-    const auto demuxer = Demuxer::open(source, stop);
+    const auto demuxer = Demuxer::open(source, stop, Demuxer::Interest::sound);
     const AVCodecParameters& codec = *demuxer->stream(streamIndex)->codecpar;
     if (codec.codec_id != AV_CODEC_ID_AAC || codec.sample_rate <= 0 || codec.ch_layout.nb_channels <= 0)
         return false;

@@ -36,6 +36,22 @@ struct Block {
     std::int64_t end() const { return start + static_cast<std::int64_t>(samples.size()) / channels; }
 };
 
+// Far above what any mixing matrix adds up to.
+constexpr double kNoNormalisation = 1000.0;
+// Mixed samples are bent from here on so that they stay below full scale.
+constexpr float kStraightUpTo = 0.8F;
+
+/// Memoryless, so that a sample does not depend on what came before it.
+void bendBelowFullScale(std::span<float> samples) {
+    for (float& sample : samples) {
+        const float size = std::abs(sample);
+        if (size <= kStraightUpTo)
+            continue;
+        const float room = 1.0F - kStraightUpTo;
+        sample = std::copysign(kStraightUpTo + room * std::tanh((size - kStraightUpTo) / room), sample);
+    }
+}
+
 bool sameShape(const AVFrame& a, const AVChannelLayout& layout, int rate, int format) {
     return a.sample_rate == rate && a.format == format &&
            av_channel_layout_compare(&a.ch_layout, &layout) == 0;
@@ -223,9 +239,10 @@ class LibavAudioDecoder final : public AudioDecoder {
         resampler_.reset(context);
         if (result >= 0 && from.order == AV_CHANNEL_ORDER_UNSPEC)
             result = setEvenMix(context, from.nb_channels);
-        // Mixing down must not exceed full scale, whatever the channels hold.
+        // A voice keeps its loudness when many channels become two; the rare sum above full scale is bent
+        // below.
         if (result >= 0)
-            result = av_opt_set_double(context, "rematrix_maxval", 1.0, 0);
+            result = av_opt_set_double(context, "rematrix_maxval", kNoNormalisation, 0);
         if (result >= 0)
             result = swr_init(context);
         av_channel_layout_uninit(&from);
@@ -271,6 +288,8 @@ class LibavAudioDecoder final : public AudioDecoder {
         if (made < 0)
             throwMediaError(made, "Converting the sound of", demuxer_->path());
         block.samples.resize(static_cast<std::size_t>(made) * static_cast<std::size_t>(format_.channels));
+        if (inputLayout_.nb_channels > 2)
+            bendBelowFullScale(block.samples);
         nextOutput_ += made;
         decodedTo_ = std::max(decodedTo_, nextOutput_);
         if (made > 0)
@@ -315,7 +334,7 @@ int firstAudioStream(const Demuxer& demuxer) {
 
 std::unique_ptr<AudioDecoder> AudioDecoder::open(const std::filesystem::path& path, int streamIndex,
                                                  AudioFormat format, std::stop_token stop) {
-    auto demuxer = Demuxer::open(path, std::move(stop));
+    auto demuxer = Demuxer::open(path, std::move(stop), Demuxer::Interest::sound);
     const int index = streamIndex < 0 ? firstAudioStream(*demuxer) : streamIndex;
     CodecContext codec = openDecoder(*demuxer, index, 1);
     demuxer->select(index);

@@ -14,6 +14,14 @@ bool isEncrypted(const AVStream& stream) {
     return av_stream_get_side_data(&stream, AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr) != nullptr;
 }
 
+/// The library's name, or the four characters that the file has for what the library does not know.
+std::string codecName(const AVCodecParameters& codec) {
+    char characters[AV_FOURCC_MAX_STRING_SIZE] = {};
+    if (codec.codec_id == AV_CODEC_ID_NONE && codec.codec_tag != 0)
+        return av_fourcc_make_string(characters, codec.codec_tag);
+    return avcodec_get_name(codec.codec_id);
+}
+
 const char* kindOf(const AVStream& stream) {
     return stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO ? "sound" : "picture";
 }
@@ -36,8 +44,7 @@ CodecContext openDecoder(const Demuxer& demuxer, int streamIndex, int threads) {
     const AVCodec* decoder = avcodec_find_decoder(stream.codecpar->codec_id);
     if (!decoder)
         throw MediaError("The " + std::string(kindOf(stream)) + " of " + file +
-                         " uses a codec that can't be decoded here (" +
-                         avcodec_get_name(stream.codecpar->codec_id) + ").");
+                         " uses a codec that can't be decoded here (" + codecName(*stream.codecpar) + ").");
     CodecContext codec = owned<CodecContext>(avcodec_alloc_context3(decoder));
     int result = avcodec_parameters_to_context(codec.get(), stream.codecpar);
     if (result < 0)

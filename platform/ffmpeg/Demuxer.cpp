@@ -32,7 +32,8 @@ int Demuxer::interrupted(void* self) {
     return static_cast<Demuxer*>(self)->stop_.stop_requested() ? 1 : 0;
 }
 
-std::unique_ptr<Demuxer> Demuxer::open(const std::filesystem::path& path, std::stop_token stop) {
+std::unique_ptr<Demuxer> Demuxer::open(const std::filesystem::path& path, std::stop_token stop,
+                                       Interest interest) {
     silenceLibraryLog();
     std::unique_ptr<Demuxer> self(new Demuxer(path, std::move(stop)));
     checkCancelled(self->stop_);
@@ -62,6 +63,10 @@ std::unique_ptr<Demuxer> Demuxer::open(const std::filesystem::path& path, std::s
     if (opened < 0)
         throwOpenError(opened, path);  // the library has freed the context
     self->format_.reset(context);
+    if (interest == Interest::sound && self->isIsoMedia())
+        for (unsigned i = 0; i < context->nb_streams; ++i)
+            if (context->streams[i]->codecpar->codec_type != AVMEDIA_TYPE_AUDIO)
+                context->streams[i]->discard = AVDISCARD_ALL;
     const int found = avformat_find_stream_info(context, nullptr);
     if (found < 0)
         throwOpenError(found, path);

@@ -15,9 +15,14 @@ namespace korvane {
 
 class Demuxer {
   public:
+    /// What is looked at while opening. Looking at the picture decodes some of it, which who only wants the
+    /// sound need not wait for; the index of an ISO media file tells the rest.
+    enum class Interest { everything, sound };
+
     /// \throws MediaError when the file can't be opened or understood; CancellationError once stop is
     /// requested.
-    static std::unique_ptr<Demuxer> open(const std::filesystem::path& path, std::stop_token stop);
+    static std::unique_ptr<Demuxer> open(const std::filesystem::path& path, std::stop_token stop,
+                                         Interest interest = Interest::everything);
 
     const std::filesystem::path& path() const { return path_; }
     AVFormatContext* format() const { return format_.get(); }

@@ -6,6 +6,7 @@ extern "C" {
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "platform/ffmpeg/CodecOpening.h"
@@ -19,6 +20,8 @@ namespace {
 // Beyond this a stated rate is the clock's, not the pictures'.
 constexpr double kFastestBelievableRate = 500.0;
 constexpr double kOrdinaryRate = 30.0;
+// A start (microseconds) that changes no length by anything that shows.
+constexpr std::int64_t kUnimportantStart = 100'000;
 // A header's length may differ from the index' by this much (seconds) before the index is believed.
 constexpr double kBelievableSlack = 1.0;
 
@@ -175,8 +178,10 @@ StreamFacts factsOf(const Demuxer& demuxer, int index) {
 
 }  // namespace
 
-MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop) {
-    const auto demuxer = Demuxer::open(path, stop);
+MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop, ProbeInterest interest) {
+    const bool soundOnly = interest == ProbeInterest::sound;
+    const auto demuxer =
+        Demuxer::open(path, stop, soundOnly ? Demuxer::Interest::sound : Demuxer::Interest::everything);
     MediaFacts facts;
     for (unsigned i = 0; i < demuxer->format()->nb_streams; ++i)
         if (isWanted(*demuxer->stream(static_cast<int>(i))))
@@ -187,7 +192,10 @@ MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop) {
     const bool guessed =
         format.duration_estimation_method == AVFMT_DURATION_FROM_BITRATE || format.duration <= 0;
     const bool trustIndex = demuxer->isIsoMedia() && !fragmented;
-    bool headersKnow = !fragmented;
+    // Matroska counts its length from 0 or from its first packet, as its writer liked.
+    const bool startsLate = std::strstr(format.iformat->name, "matroska") != nullptr &&
+                            format.start_time != AV_NOPTS_VALUE && format.start_time > kUnimportantStart;
+    bool headersKnow = !fragmented && !startsLate;
     for (const StreamFacts& s : facts.streams)
         headersKnow = headersKnow &&
                       (!guessed || extentFromHeaders(*demuxer, s.index, trustIndex).end != AV_NOPTS_VALUE);

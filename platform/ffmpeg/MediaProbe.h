@@ -29,8 +29,12 @@ struct MediaFacts {
     MediaTime duration;                ///< end of the longest stream, never negative
 };
 
-/// Reads headers; reads every packet (without decoding) only where the headers don't know how long the file
-/// is. \throws MediaError when the file can't be opened or understood, CancellationError.
-MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop = {});
+enum class ProbeInterest { everything, sound };
+
+/// With an interest in sound, pictures are listed with what the file's index says of them, which may be less;
+/// that is quicker. Reads headers; reads every packet (without decoding) only where the headers don't know
+/// how long the file is. \throws MediaError when the file can't be opened or understood, CancellationError.
+MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop = {},
+                      ProbeInterest interest = ProbeInterest::everything);
 
 }  // namespace korvane

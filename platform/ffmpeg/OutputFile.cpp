@@ -55,10 +55,9 @@ OutputFile::~OutputFile() {
 std::filesystem::path OutputFile::hiddenSibling() const {
     static std::atomic<unsigned> counter{0};
     std::random_device random;
-    std::string name = ".";
-    name += destination_.filename().string();
-    name += "." + std::to_string(::getpid()) + "-" + std::to_string(counter++) + "-" +
-            std::to_string(random()) + ".part";
+    // Not made of the destination's name, which may be as long as a name can be.
+    const std::string name = ".korvane-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) +
+                             "-" + std::to_string(random()) + ".part";
     return destination_.parent_path() / name;
 }
 

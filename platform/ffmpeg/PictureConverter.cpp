@@ -164,7 +164,7 @@ PictureConverter::~PictureConverter() = default;
 
 std::shared_ptr<AVFrame> PictureConverter::convert(const DecodedPicture& picture) {
     State& s = *state_;
-    const std::shared_ptr<const AVFrame> source = s.planar.of(picture.frame);
+    const std::shared_ptr<const AVFrame> source = s.planar.of(PlanarForm::firstField(picture.frame));
     s.prepare(*source);
     SharedFrame canvas = s.canvases.take();
     if (!s.plan) {

@@ -162,6 +162,22 @@ struct PlanarForm::State {
 PlanarForm::PlanarForm() : state_(std::make_unique<State>()) {}
 PlanarForm::~PlanarForm() = default;
 
+std::shared_ptr<const AVFrame> PlanarForm::firstField(const std::shared_ptr<const AVFrame>& frame) {
+    const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame->format));
+    if (!frame->interlaced_frame || !format || frame->height % (2 << format->log2_chroma_h) != 0)
+        return frame;
+    SharedFrame field(owned<Frame>(av_frame_clone(frame.get())).release(),
+                      [](AVFrame* f) { av_frame_free(&f); });
+    field->height /= 2;
+    field->interlaced_frame = 0;
+    for (int i = 0; i < AV_NUM_DATA_POINTERS && field->data[i]; ++i) {
+        if (!frame->top_field_first)
+            field->data[i] += field->linesize[i];
+        field->linesize[i] *= 2;
+    }
+    return field;
+}
+
 std::shared_ptr<const AVFrame> PlanarForm::of(const std::shared_ptr<const AVFrame>& frame) {
     return grownToWholeColorSamples(planes(frame));
 }

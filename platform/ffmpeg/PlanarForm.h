@@ -20,6 +20,10 @@ class PlanarForm {
     /// without a planar form.
     std::shared_ptr<const AVFrame> of(const std::shared_ptr<const AVFrame>& frame);
 
+    /// Of an interlaced picture the field that comes first, as a picture of half the height; others as they
+    /// are. What moves would stand in combs otherwise.
+    static std::shared_ptr<const AVFrame> firstField(const std::shared_ptr<const AVFrame>& frame);
+
   private:
     std::shared_ptr<const AVFrame> planes(const std::shared_ptr<const AVFrame>& frame);
 

@@ -36,6 +36,9 @@ TEST(Progress, thereIsNoEstimateInTheFirstFivePercent) {
     EXPECT_FALSE(etaText({Phase::exportingVideo, 0.0, 10.0}));
     EXPECT_FALSE(etaText({Phase::exportingVideo, std::numeric_limits<double>::quiet_NaN(), 10.0}));
     EXPECT_TRUE(etaText({Phase::exportingVideo, 0.0501, 10.0}));
+    EXPECT_FALSE(etaText({Phase::extractingAudio, 0.29, 1.0}));
+    EXPECT_FALSE(etaText({Phase::transcribing, 0.34, 1.0}));
+    EXPECT_TRUE(etaText({Phase::transcribing, 0.36, 1.0}));
 }
 
 TEST(Progress, extractionFillsThirtyPercentAndTranscriptionTheRest) {

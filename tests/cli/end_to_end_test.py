@@ -218,6 +218,10 @@ class BadInput(Case):
         for source in ("cut.mp4", CLIPS / "sound.m4a"):
             self.fails("export", source, "-w", "words.json", "-o", "old.mp4")
             self.assertEqual((self.folder / "old.mp4").read_text(), "last week's reel")
+        (self.folder / "far.json").write_text('[{"text": "far", "start": 900, "end": 901}]')
+        self.assertEqual(self.fails("export", self.video, "-w", "far.json", "-o", "old.mp4"),
+                         "None of the selected segments produced valid content.")
+        self.assertEqual((self.folder / "old.mp4").read_text(), "last week's reel")
 
     def test_a_video_that_says_nothing_is_told_from_a_failure(self):
         self.assertEqual(self.reel_fails(CLIPS / "silent.mp4"), "No speech was detected in the video.")

@@ -77,5 +77,40 @@ TEST(MediaProbe, aFragmentedFileIsMeasuredByItsPackets) {
     EXPECT_NEAR(probeMedia(folder.path() / "fragmented.mp4").duration.seconds(), 6.0, 0.05);
 }
 
+TEST(MediaProbe, aMatroskaFileThatStartsLateIsAsLongAsItsPackets) {
+    const TemporaryFolder folder;
+    fixtures::ClipSpec clip;
+    clip.video = {fixtures::VideoSpec::constantRate({25, 1}, 3.0)};
+    for (std::int64_t& time : clip.video[0].presentationTimes)
+        time += 125;  // 5 s
+    clip.container = "matroska";
+    fixtures::writeClip(clip, folder.path() / "late.mkv");
+    const MediaFacts facts = probeMedia(folder.path() / "late.mkv");
+    EXPECT_NEAR(facts.duration.seconds(), 3.0, 0.05);
+    EXPECT_NEAR(facts.streams.at(0).timeRange.start.seconds(), 0.0, 0.01);
+}
+
+TEST(MediaProbe, aLookForSoundFindsTheSameSoundAndLength) {
+    const TemporaryFolder folder;
+    fixtures::ClipSpec clip;
+    clip.video = {fixtures::VideoSpec::constantRate({30, 1}, 3.0)};
+    clip.audio = {fixtures::AudioSpec{}, fixtures::AudioSpec{}};
+    clip.audio[1].channels = 2;
+    for (const char* container : {"mov", "mp4", "matroska", "mpegts"}) {
+        clip.container = container;
+        const auto path = folder.path() / container;
+        fixtures::writeClip(clip, path);
+        const MediaFacts all = probeMedia(path);
+        const MediaFacts sound = probeMedia(path, {}, ProbeInterest::sound);
+        EXPECT_EQ(sound.duration, all.duration) << container;
+        ASSERT_EQ(sound.streams.size(), all.streams.size()) << container;
+        for (std::size_t i = 1; i < all.streams.size(); ++i) {
+            EXPECT_EQ(sound.streams[i].channels, all.streams[i].channels) << container;
+            EXPECT_EQ(sound.streams[i].sampleRateHz, all.streams[i].sampleRateHz) << container;
+            EXPECT_EQ(sound.streams[i].timeRange, all.streams[i].timeRange) << container;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace korvane

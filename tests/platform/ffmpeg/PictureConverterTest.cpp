@@ -117,6 +117,19 @@ TEST_P(Mirrors, colourStaysOnItsPixelsInEveryOrientation) {
 
 INSTANTIATE_TEST_SUITE_P(AllEight, Mirrors, testing::Range(0, 8));
 
+TEST(PictureConverter, ofAnInterlacedPictureTheFirstFieldIsShown) {
+    for (const bool topFirst : {true, false}) {
+        const auto source = painted(64, 64, AV_PIX_FMT_YUV420P,
+                                    [](int i, int, int y) { return i ? 128 : (y % 2 == 0 ? 180 : 60); });
+        source->interlaced_frame = 1;
+        source->top_field_first = topFirst ? 1 : 0;
+        PictureConverter converter({{64, 64}, {}, 64, 64});
+        const auto canvas = converter.convert({source, 0});
+        for (int y = 0; y < 64; ++y)
+            ASSERT_EQ(sample(*canvas, 0, 30, y), topFirst ? 180 : 60) << y;
+    }
+}
+
 TEST(PictureConverter, whereTheSourceDoesNotReachTheCanvasIsBlack) {
     const auto source = painted(64, 64, AV_PIX_FMT_YUV420P, [](int i, int, int) { return i ? 128 : 200; });
     PictureConverter converter({{64, 64}, {1.0, 0.0, 0.0, 1.0, 32.0, 32.0}, 128, 128});
