@@ -59,7 +59,7 @@ struct CompositionVideoReader::State {
     std::map<std::pair<std::filesystem::path, int>, std::unique_ptr<PictureConverter>> converters;
     std::unique_ptr<LayerRenderer> layers;
     std::list<KeptOverlay> overlays;
-    DecodedPicture last;
+    std::weak_ptr<const AVFrame> last;  ///< not held: pictures of large sources are heavy
     int repeats = 0;
     std::shared_ptr<AVFrame> clean;  ///< the last picture without layers, once it has been shown twice
 
@@ -89,9 +89,9 @@ struct CompositionVideoReader::State {
     std::shared_ptr<AVFrame> base(const TimedPicture& p) {
         if (!p.picture)
             return blackCanvas(width, height);
-        const bool repeated = last.frame == p.picture.frame;
+        const bool repeated = last.lock() == p.picture.frame;
         repeats = repeated ? repeats + 1 : 0;
-        last = p.picture;
+        last = p.picture.frame;
         if (repeats == 0)
             clean = nullptr;
         if (clean)
