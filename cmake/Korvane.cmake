@@ -40,3 +40,24 @@ function(korvane_test name)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${ARG_TIMEOUT} RUN_SERIAL ${serial} ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
+
+# korvane_qml_module(name URI uri SOURCES... QML_FILES... [SINGLETONS...] [LINK targets...]): one folder of the
+# screen as the static library korvane_<name>, importable as <uri>. Link the target AND korvane_<name>plugin into a
+# program. Headers with QML types are included by basename in generated code, so basenames are unique.
+function(korvane_qml_module name)
+  cmake_parse_arguments(ARG "" "URI" "SOURCES;QML_FILES;SINGLETONS;IMPORTS;LINK" ${ARGN})
+  set_source_files_properties(${ARG_SINGLETONS} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
+  qt_add_library(korvane_${name} STATIC)
+  set_target_properties(korvane_${name} PROPERTIES AUTOMOC ON)
+  qt_add_qml_module(korvane_${name} URI ${ARG_URI} VERSION 1.0 RESOURCE_PREFIX /qt/qml
+    SOURCES ${ARG_SOURCES} QML_FILES ${ARG_QML_FILES} ${ARG_SINGLETONS} IMPORTS ${ARG_IMPORTS}
+    DEPENDENCIES QtQuick)
+  target_include_directories(korvane_${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(korvane_${name} PUBLIC korvane_options Threads::Threads Qt6::Quick ${ARG_LINK})
+  # What Qt generates from QML shadows names of its own.
+  foreach(file IN LISTS ARG_QML_FILES ARG_SINGLETONS)
+    string(REGEX REPLACE "[.]qml$" "_qml.cpp" generated ${file})
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/.rcc/qmlcache/korvane_${name}_${generated}
+      PROPERTIES COMPILE_OPTIONS -Wno-shadow)
+  endforeach()
+endfunction()
