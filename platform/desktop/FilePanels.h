@@ -8,24 +8,24 @@
 
 namespace korvane {
 
-/// A kind of file as a panel offers it.
-struct FileType {
+/// A kind of file as a panel offers it. Export sessions have a FileType of their own.
+struct PanelFileType {
     std::string mimeType;     ///< e.g. "video/mp4"
     std::string suffix;       ///< the usual one, without its dot, e.g. "mp4"
     std::string description;  ///< e.g. "MPEG-4 movie"
-    friend bool operator==(const FileType&, const FileType&) = default;
+    friend bool operator==(const PanelFileType&, const PanelFileType&) = default;
 };
 
 /// One file, no folders.
 struct OpenPanelRequest {
     std::string title;
-    std::vector<FileType> allowedTypes;
+    std::vector<PanelFileType> allowedTypes;
     friend bool operator==(const OpenPanelRequest&, const OpenPanelRequest&) = default;
 };
 
 struct SavePanelRequest {
     std::string title;
-    std::vector<FileType> allowedTypes;  ///< the first one's suffix is added to a name without one
+    std::vector<PanelFileType> allowedTypes;  ///< the first one's suffix is added to a name without one
     std::string proposedName;
     bool canCreateFolders = true;
     friend bool operator==(const SavePanelRequest&, const SavePanelRequest&) = default;
