@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "cli/LanguageNames.h"
-#include "cli/OptionScanner.h"
-#include "cli/UsageError.h"
+#include "platform/process/OptionScanner.h"
+#include "platform/process/UsageError.h"
 
 namespace korvane::cli {
 namespace {

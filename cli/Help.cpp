@@ -1,6 +1,6 @@
 #include "cli/Help.h"
 
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 
 namespace korvane::cli {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
-#include "cli/UsageError.h"
 #include "model/Language.h"
+#include "platform/process/UsageError.h"
 
 namespace korvane::cli {
 namespace {

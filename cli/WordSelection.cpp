@@ -3,7 +3,7 @@
 #include <charconv>
 #include <string>
 
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 
 namespace korvane::cli {
 namespace {

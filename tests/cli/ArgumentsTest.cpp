@@ -4,8 +4,9 @@
 
 #include "cli/Help.h"
 #include "cli/LanguageNames.h"
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 
+using namespace korvane;
 using namespace korvane::cli;
 
 namespace {

@@ -4,8 +4,9 @@
 
 #include <string>
 
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 
+using namespace korvane;
 using namespace korvane::cli;
 
 namespace {

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "cli/Failure.h"
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 #include "cli/WordSelection.h"
 #include "cli/WordsFile.h"
 #include "model/SubtitleSettings.h"
@@ -89,7 +89,7 @@ void readSelection(Random& random) {
         for (std::size_t i = 0; i < chosen.size(); ++i)
             if (chosen[i] >= 100 || (i > 0 && chosen[i] <= chosen[i - 1]))
                 throw std::logic_error("a wrong selection came of " + text);
-    } catch (const cli::UsageError&) {
+    } catch (const korvane::UsageError&) {
     }
 }
 

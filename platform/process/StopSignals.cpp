@@ -1,4 +1,4 @@
-#include "cli/StopSignals.h"
+#include "platform/process/StopSignals.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <system_error>
 
-#include "cli/ExitCode.h"
+#include "platform/process/ExitCode.h"
 
-namespace korvane::cli {
+namespace korvane {
 namespace {
 
 constexpr std::array<int, 3> stopSignals{SIGINT, SIGTERM, SIGHUP};
@@ -88,4 +88,4 @@ void StopSignals::drain() {
         onSignal_(++seen_);
 }
 
-}  // namespace korvane::cli
+}  // namespace korvane

@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-namespace korvane::cli {
+namespace korvane {
 
 /// While it lives, SIGINT, SIGTERM and (unless the program was started to survive it) SIGHUP arrive as calls
 /// on the main thread. A third signal ends the process at once, should the main thread itself hang. One at a
@@ -31,4 +31,4 @@ class StopSignals {
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 
-}  // namespace korvane::cli
+}  // namespace korvane

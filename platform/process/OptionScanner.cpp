@@ -1,12 +1,12 @@
-#include "cli/OptionScanner.h"
+#include "platform/process/OptionScanner.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <optional>
 
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 
-namespace korvane::cli {
+namespace korvane {
 namespace {
 
 using Value = OptionRule::Value;
@@ -127,4 +127,4 @@ ScannedArguments scanArguments(const std::vector<std::string>& arguments,
     return Scanner(arguments, rules).run();
 }
 
-}  // namespace korvane::cli
+}  // namespace korvane

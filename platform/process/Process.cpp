@@ -1,4 +1,4 @@
-#include "cli/Process.h"
+#include "platform/process/Process.h"
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -15,7 +15,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace korvane::cli {
+namespace korvane {
 namespace {
 
 constexpr const char* runtimeVariable = "XDG_RUNTIME_DIR";
@@ -86,4 +86,4 @@ BorrowedRuntimeFolder::~BorrowedRuntimeFolder() {
     std::filesystem::remove_all(folder_, ignored);
 }
 
-}  // namespace korvane::cli
+}  // namespace korvane

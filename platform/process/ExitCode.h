@@ -1,7 +1,7 @@
 // How the program ends, as the help and the manual say it.
 #pragma once
 
-namespace korvane::cli {
+namespace korvane {
 
 enum class ExitCode {
     done = 0,
@@ -10,4 +10,4 @@ enum class ExitCode {
     stopped = 130,  ///< as a shell reports a program that Ctrl-C ended
 };
 
-}  // namespace korvane::cli
+}  // namespace korvane

@@ -1,9 +1,9 @@
-// The command was asked for in a way that can't be meant.
+// The program was asked for in a way that can't be meant.
 #pragma once
 
 #include <stdexcept>
 
-namespace korvane::cli {
+namespace korvane {
 
 /// One sentence for the person; ends the program with the exit code for wrong usage.
 class UsageError : public std::runtime_error {
@@ -11,4 +11,4 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-}  // namespace korvane::cli
+}  // namespace korvane

@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace korvane::cli {
+namespace korvane {
 
 /// Call first in main, before there are threads or an application object: missing standard streams lead
 /// nowhere instead of into the next file that is opened, a full disk and a closed pipe are errors instead of
@@ -27,4 +27,4 @@ class BorrowedRuntimeFolder {
     std::string folder_;  ///< empty: the session has its own, or none can be made
 };
 
-}  // namespace korvane::cli
+}  // namespace korvane

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace korvane::cli {
+namespace korvane {
 
 struct OptionRule {
     char shortName;             ///< 0: none
@@ -33,4 +33,4 @@ struct ScannedArguments {
 ScannedArguments scanArguments(const std::vector<std::string>& arguments,
                                const std::vector<OptionRule>& rules);
 
-}  // namespace korvane::cli
+}  // namespace korvane

@@ -1,10 +1,10 @@
-#include "cli/OptionScanner.h"
+#include "platform/process/OptionScanner.h"
 
 #include <gtest/gtest.h>
 
-#include "cli/UsageError.h"
+#include "platform/process/UsageError.h"
 
-using namespace korvane::cli;
+using namespace korvane;
 
 namespace {
 
