@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "platform/defaults/UserDefaults.h"
 #include "platform/layers/Color.h"
@@ -20,6 +21,13 @@ class SubtitleSettingsError : public std::runtime_error {
 /// Nothing checks ranges: what a person or a document says is kept. Sizes count in points of the 1080 x 1920
 /// picture, colour components go from 0 to 1 and are always opaque.
 struct SubtitleSettings {
+    /// One face of a family to choose from.
+    struct Weight {
+        std::string name;        ///< e.g. "Bold"
+        std::string postscript;  ///< for `fontPostscriptName`, e.g. "Inter-Bold"
+        friend bool operator==(const Weight&, const Weight&) = default;
+    };
+
     std::string fontFamilyName = "Helvetica Neue";
     std::string fontPostscriptName = "HelveticaNeue-Bold";
     double fontSize = 72.0;
@@ -57,6 +65,14 @@ struct SubtitleSettings {
     /// Every field must be there with the right type; other keys are ignored.
     /// \throws SubtitleSettingsError  about the first field, in their order, that is not so.
     static SubtitleSettings fromJson(const QByteArray& json);
+
+    /// The families that can be written with, in the order of the user's language. The first call opens a
+    /// face of each, which takes long where there are many; the list is then kept for the life of the
+    /// process. Any thread.
+    static const std::vector<std::string>& fontFamilies();
+    /// The faces of a family that can be written with, lightest first; empty when there is no such family.
+    /// Opens each, each time. Any thread.
+    static std::vector<Weight> weights(const std::string& family);
 
   private:
     static void extract(const Color& color, double& red, double& green, double& blue);

@@ -17,6 +17,7 @@ struct FontFace {
     bool italic = false;     ///< or oblique
     bool color = false;      ///< colour glyphs, i.e. an emoji font
     bool latin = false;      ///< covers English text
+    long index = 0;  ///< which face of the file, and which instance of a variable one in its upper 16 bits
     friend bool operator==(const FontFace&, const FontFace&) = default;
 };
 

@@ -40,6 +40,11 @@ double number(FcPattern* pattern, const char* object, double fallback) {
     return fallback;
 }
 
+long wholeNumber(FcPattern* pattern, const char* object) {
+    int value = 0;
+    return FcPatternGetInteger(pattern, object, 0, &value) == FcResultMatch ? value : 0;
+}
+
 bool flag(FcPattern* pattern, const char* object) {
     FcBool value = FcFalse;
     return FcPatternGetBool(pattern, object, 0, &value) == FcResultMatch && value == FcTrue;
@@ -70,6 +75,7 @@ std::optional<FontFace> faceOf(FcPattern* pattern) {
     face.italic = number(pattern, FC_SLANT, FC_SLANT_ROMAN) > FC_SLANT_ROMAN;
     face.color = flag(pattern, FC_COLOR);
     face.latin = coversEnglish(pattern);
+    face.index = wholeNumber(pattern, FC_INDEX);
     return face;
 }
 
@@ -79,7 +85,7 @@ std::vector<FontFace> installedFaces() {
     const std::unique_ptr<FcPattern, PatternDeleter> any(FcPatternCreate());
     const std::unique_ptr<FcObjectSet, ObjectSetDeleter> wanted(
         FcObjectSetBuild(FC_FAMILY, FC_STYLE, FC_POSTSCRIPT_NAME, FC_FILE, FC_WEIGHT, FC_WIDTH, FC_SLANT,
-                         FC_COLOR, FC_LANG, FC_FONTFORMAT, FC_VARIABLE, nullptr));
+                         FC_COLOR, FC_LANG, FC_FONTFORMAT, FC_VARIABLE, FC_INDEX, nullptr));
     if (!any || !wanted)
         return {};
     const std::unique_ptr<FcFontSet, FontSetDeleter> found(FcFontList(nullptr, any.get(), wanted.get()));
