@@ -3,8 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
+
+#include "platform/defaults/ReplacedFile.h"
 
 namespace korvane {
 
@@ -34,12 +35,7 @@ std::optional<QByteArray> FileUserDefaults::data(const std::string& key) const {
 bool FileUserDefaults::setData(const QByteArray& data, const std::string& key) {
     if (!QDir().mkpath(folder_))
         return false;
-    QSaveFile file(fileFor(key));
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    if (file.write(data) != data.size())
-        return false;
-    return file.commit();
+    return replaceFile(fileFor(key), data);
 }
 
 bool FileUserDefaults::remove(const std::string& key) {

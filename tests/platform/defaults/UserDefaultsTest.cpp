@@ -1,11 +1,15 @@
 #include "platform/defaults/UserDefaults.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <csignal>
 #include <memory>
 
 #include "platform/defaults/FileUserDefaults.h"
@@ -13,6 +17,45 @@
 
 namespace korvane {
 namespace {
+
+/// Files of this process can't grow beyond so many bytes: what a full disk looks like to it.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit tight{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &tight);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+/// Not the administrator, who may write anywhere.
+class OrdinaryUser {
+  public:
+    OrdinaryUser() {
+        if (before_ == 0)
+            wasChanged_ = seteuid(65534) == 0;
+    }
+    ~OrdinaryUser() {
+        if (wasChanged_ && seteuid(before_) != 0)
+            std::abort();
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+  private:
+    uid_t before_ = geteuid();
+    bool wasChanged_ = false;
+};
 
 /// A store, and what it needs to live.
 struct StoreKind {
@@ -122,6 +165,55 @@ TEST_F(FileUserDefaultsTest, aFileThatCannotBeReplacedKeepsItsPlace) {
     EXPECT_TRUE(QFileInfo(path).isDir());
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList())
         << "no half-written file stays behind";
+}
+
+TEST_F(FileUserDefaultsTest, aFullDiskLeavesTheOldValueAndNothingBesideIt) {
+    ASSERT_TRUE(store.setData("the old value", "key"));
+    {
+        const FullDisk disk(16);
+        EXPECT_FALSE(store.setData(QByteArray(4096, 'x'), "key"));
+        EXPECT_FALSE(store.setData(QByteArray(4096, 'x'), "never stored before"));
+    }
+    EXPECT_EQ(store.data("key"), QByteArray("the old value"));
+    EXPECT_EQ(store.data("never stored before"), std::nullopt);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+    EXPECT_TRUE(store.setData(QByteArray(4096, 'x'), "key")) << "once there is room again";
+}
+
+TEST_F(FileUserDefaultsTest, aFolderThatMayOnlyBeReadKeepsItsValues) {
+    ASSERT_TRUE(store.setData("the old value", "key"));
+    ASSERT_EQ(chmod(store.fileFor("key").toUtf8().constData(), 0644), 0);
+    ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 0555), 0);
+    {
+        const OrdinaryUser user;
+        EXPECT_FALSE(store.setData("a new one", "key"));
+        EXPECT_FALSE(store.setData("a new one", "another"));
+        EXPECT_EQ(store.data("key"), QByteArray("the old value"));
+    }
+    ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 0755), 0);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+}
+
+TEST_F(FileUserDefaultsTest, aLinkStaysALinkAndWhatItPointsToIsReplaced) {
+    QTemporaryDir elsewhere;
+    const QString target = elsewhere.filePath(QStringLiteral("kept-elsewhere.json"));
+    ASSERT_TRUE(store.setData("old", "key"));
+    ASSERT_TRUE(QFile::rename(store.fileFor("key"), target));
+    ASSERT_TRUE(QFile::link(target, store.fileFor("key")));
+    EXPECT_TRUE(store.setData("new", "key"));
+    EXPECT_TRUE(QFileInfo(store.fileFor("key")).isSymLink());
+    QFile file(target);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("new"));
+}
+
+TEST_F(FileUserDefaultsTest, aReplacedFileKeepsItsPermissions) {
+    ASSERT_TRUE(store.setData("old", "key"));
+    const QString file = store.fileFor("key");
+    EXPECT_FALSE(QFile::permissions(file) & QFile::ReadOther) << "a new one is for its user";
+    ASSERT_EQ(chmod(file.toUtf8().constData(), 0644), 0);
+    ASSERT_TRUE(store.setData("new", "key"));
+    EXPECT_TRUE(QFile::permissions(file) & QFile::ReadOther);
 }
 
 }  // namespace
