@@ -13,6 +13,7 @@ struct FontMember {
     std::optional<std::string> fontName;  ///< PostScript name, e.g. "Inter-Bold"
     std::optional<std::string> faceName;  ///< e.g. "Bold"; may be empty
     std::optional<int> weight;            ///< the heavier the greater
+    friend bool operator==(const FontMember&, const FontMember&) = default;
 };
 
 /// Every function may be called from any thread.
