@@ -1,0 +1,124 @@
+#include "platform/desktop/SystemFilePanels.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QMimeDatabase>
+#include <QStandardPaths>
+#include <QStyleFactory>
+#include <QUrl>
+#include <utility>
+
+namespace korvane {
+namespace {
+
+QStringList patterns(const PanelFileType& type) {
+    const auto known = QMimeDatabase().mimeTypeForName(QString::fromStdString(type.mimeType));
+    QStringList globs = known.isValid() ? known.globPatterns() : QStringList();
+    const QString usual = QStringLiteral("*.") + QString::fromStdString(type.suffix);
+    if (!globs.contains(usual))
+        globs.prepend(usual);
+    QStringList both;
+    for (const QString& glob : std::as_const(globs))
+        both << glob << glob.toUpper();
+    both.removeDuplicates();
+    return both;
+}
+
+QString filter(const QString& description, const QStringList& globs) {
+    return description + QStringLiteral(" (") + globs.join(QLatin1Char(' ')) + QLatin1Char(')');
+}
+
+void configureTypes(QFileDialog& dialog, const std::string& title, const std::vector<PanelFileType>& types) {
+    dialog.setWindowTitle(QString::fromStdString(title));
+    dialog.setNameFilters(nameFilters(types));
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setViewMode(QFileDialog::Detail);
+}
+
+QList<QUrl> places() {
+    QList<QUrl> urls;
+    for (const auto place : {QStandardPaths::HomeLocation, QStandardPaths::MoviesLocation,
+                             QStandardPaths::DesktopLocation, QStandardPaths::DownloadLocation}) {
+        const QString folder = QStandardPaths::writableLocation(place);
+        const QUrl url = QUrl::fromLocalFile(folder);
+        if (QDir(folder).exists() && !urls.contains(url))
+            urls << url;
+    }
+    return urls;
+}
+
+}  // namespace
+
+QStringList nameFilters(const std::vector<PanelFileType>& types) {
+    QStringList each, names, allGlobs;
+    for (const auto& type : types) {
+        const QString name = QString::fromStdString(type.description);
+        const QStringList globs = patterns(type);
+        each << filter(name, globs);
+        names << name;
+        allGlobs << globs;
+    }
+    allGlobs.removeDuplicates();
+    if (types.size() > 1)
+        each.prepend(filter(names.join(QStringLiteral(" or ")), allGlobs));
+    return each;
+}
+
+SystemFilePanels::SystemFilePanels(QPalette palette) : palette_(std::move(palette)) {}
+
+void SystemFilePanels::configure(QFileDialog& dialog, const OpenPanelRequest& request) {
+    configureTypes(dialog, request.title, request.allowedTypes);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    // Whoever looks for a video doesn't mean to rename or delete one.
+    dialog.setOption(QFileDialog::ReadOnly);
+}
+
+void SystemFilePanels::configure(QFileDialog& dialog, const SavePanelRequest& request) {
+    configureTypes(dialog, request.title, request.allowedTypes);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::ReadOnly, !request.canCreateFolders);
+    if (!request.allowedTypes.empty())
+        dialog.setDefaultSuffix(QString::fromStdString(request.allowedTypes.front().suffix));
+    dialog.selectFile(QString::fromStdString(request.proposedName));
+}
+
+std::optional<std::filesystem::path> SystemFilePanels::runOpenPanel(const OpenPanelRequest& request) {
+    return run(request);
+}
+
+std::optional<std::filesystem::path> SystemFilePanels::runSavePanel(const SavePanelRequest& request) {
+    return run(request);
+}
+
+template <class Request>
+std::optional<std::filesystem::path> SystemFilePanels::run(const Request& request) {
+    // Set as late as this, because a style takes time to make and the window itself has none.
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(palette_);
+    QFileDialog dialog;
+    dialog.setDirectory(startFolder());
+    dialog.setSidebarUrls(places());
+    configure(dialog, request);
+    dialog.resize(860, 560);
+    dialog.winId();  // makes the window that can be put above ours
+    dialog.windowHandle()->setTransientParent(window_);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    lastFolder_ = dialog.directory().absolutePath();
+    return std::filesystem::path(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
+}
+
+QString SystemFilePanels::startFolder() const {
+    const QString videos = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+    for (const QString& folder : {lastFolder_, videos})
+        if (!folder.isEmpty() && QDir(folder).exists())
+            return folder;
+    return QDir::homePath();
+}
+
+}  // namespace korvane
