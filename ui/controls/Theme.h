@@ -21,7 +21,10 @@ class Theme : public QObject {
     Q_PROPERTY(QColor successGreen READ successGreen CONSTANT)
     Q_PROPERTY(QColor cardFill READ cardFill CONSTANT)
     Q_PROPERTY(QColor orange READ orange CONSTANT)
+    Q_PROPERTY(QColor popupFill READ popupFill CONSTANT)
     Q_PROPERTY(qreal cardRadius MEMBER cardRadius CONSTANT)
+    Q_PROPERTY(qreal controlRadius MEMBER controlRadius CONSTANT)
+    Q_PROPERTY(qreal controlHeight MEMBER controlHeight CONSTANT)
     Q_PROPERTY(qreal gap MEMBER gap CONSTANT)
 
   public:
@@ -37,6 +40,8 @@ class Theme : public QObject {
     static QColor cardFill() { return QColor::fromRgbF(0.1F, 0.16F, 0.32F); }
     /// Something stopped or failed part-way.
     static QColor orange() { return QColor::fromRgbF(1.0F, 0.62F, 0.04F); }
+    /// The opaque ground of menus, tool tips and choosers, which lie above cards.
+    static QColor popupFill() { return QColor::fromRgbF(0.1F, 0.145F, 0.255F); }
     /// White at an opacity, which is how everything faint on this screen is drawn.
     Q_INVOKABLE static QColor white(qreal opacity) {
         return QColor::fromRgbF(1.0F, 1.0F, 1.0F, static_cast<float>(opacity));
@@ -47,9 +52,17 @@ class Theme : public QObject {
         faint.setAlphaF(static_cast<float>(opacity));
         return faint;
     }
+    /// The same under the pointer: whiter, and less see-through.
+    Q_INVOKABLE static QColor brighter(const QColor& color) {
+        const auto up = [](float part, float by) { return part + (1.0F - part) * by; };
+        return QColor::fromRgbF(up(color.redF(), 0.25F), up(color.greenF(), 0.25F), up(color.blueF(), 0.25F),
+                                up(color.alphaF(), 0.35F));
+    }
 
     qreal cardRadius = 16;
-    qreal gap = 12;  ///< between cards, and between cards and the window's edge
+    qreal controlRadius = 6;   ///< quiet fields, tokens, swatches
+    qreal controlHeight = 26;  ///< quiet fields and swatches
+    qreal gap = 12;            ///< between cards, and between cards and the window's edge
 };
 
 }  // namespace korvane

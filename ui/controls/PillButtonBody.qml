@@ -1,0 +1,99 @@
+// The shared body of the four pill buttons, which differ by their fill alone.
+// Properties: text, iconName (a symbol before the text, or ""), fillFrom and fillTo (gradient from the top-left corner
+// to the bottom-right one; the same colour twice is flat), name (for assistive tools; the text if empty), enabled.
+// Signals: clicked().
+import QtQuick
+import QtQuick.Templates as T
+import Korvane.Controls
+
+T.Button {
+    id: button
+
+    property color fillFrom: Theme.white(0.11)
+    property color fillTo: Theme.white(0.11)
+    property string iconName: ""
+    property string name: ""
+
+    readonly property real looksOpacity: !enabled ? 0.32 : 1 - 0.22 * pressDepth.value
+    readonly property real looksScale: 1 - 0.04 * pressDepth.value
+
+    leftPadding: 18
+    rightPadding: 18
+    topPadding: 8
+    bottomPadding: 8
+    implicitWidth: Math.ceil(implicitContentWidth) + leftPadding + rightPadding
+    implicitHeight: Math.ceil(implicitContentHeight) + topPadding + bottomPadding
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    font.pixelSize: 13
+    font.weight: Font.DemiBold
+
+    Accessible.role: Accessible.Button
+    Accessible.name: name.length > 0 ? name : text
+    Accessible.onPressAction: if (enabled) button.clicked()
+    Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
+
+    Spring {
+        id: pressDepth
+        // A disabled button that is still held keeps its depth.
+        to: button.pressed ? 1 : 0
+        response: 0.18
+        damping: 0.75
+    }
+
+    background: ContinuousRectangle {
+        radius: 10
+        gradientFrom: button.fillFrom
+        gradientTo: button.fillTo
+        opacity: button.looksOpacity
+        scale: button.looksScale
+        smooth: pressDepth.moving || button.pressed
+
+        ContinuousRectangle {
+            anchors.fill: parent
+            radius: 10
+            color: "white"
+            opacity: button.hovered && button.enabled && !button.pressed ? 0.09 : 0
+            smooth: parent.smooth
+            Behavior on opacity {
+                NumberAnimation {
+                    duration: 100
+                }
+            }
+        }
+    }
+
+    contentItem: Item {
+        implicitWidth: childrenRect.width
+        implicitHeight: childrenRect.height
+        opacity: button.looksOpacity
+        scale: button.looksScale
+
+        Row {
+            x: Math.round((parent.width - width) / 2)
+            y: Math.round((parent.height - height) / 2)
+            spacing: 6
+
+            Icon {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: button.iconName.length > 0
+                name: button.iconName
+                size: 14
+                color: "white"
+                smooth: pressDepth.moving || button.pressed
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                text: button.text
+                font: button.font
+                color: "white"
+            }
+        }
+    }
+
+    FocusRing {
+        shown: button.visualFocus
+        cornerRadius: 10
+    }
+}
