@@ -23,14 +23,14 @@ Item {
         spacing: 8
 
         Icon {
-            anchors.verticalCenter: title.verticalCenter
+            anchors.verticalCenter: parent.verticalCenter
             visible: title.iconName.length > 0
             name: title.iconName
             color: title.iconColor
             size: title.iconSize
         }
         Text {
-            anchors.verticalCenter: title.verticalCenter
+            anchors.verticalCenter: parent.verticalCenter
             text: title.text
             color: title.color
             font.pixelSize: title.size

@@ -1,4 +1,6 @@
 // The container of every card: its content padded, on a rounded translucent ground with a fine border.
+// Properties: verticalPadding, horizontalPadding (points). The first child gives the card its implicit size: by its own
+// implicit size, or by its height if that is set; it may be anchored to fill where the card's size comes from outside.
 import QtQuick
 import Korvane.Controls
 
@@ -8,9 +10,12 @@ Item {
     property real verticalPadding: 14
     property real horizontalPadding: 16
     default property alias content: inner.data
+    readonly property Item body: inner.children.length > 0 ? inner.children[0] : null
+    readonly property real bodyHeight: body === null ? 0 : body.anchors.fill ? body.implicitHeight
+                                                                            : Math.max(body.implicitHeight, body.height)
 
-    implicitWidth: inner.childrenRect.width + 2 * horizontalPadding
-    implicitHeight: inner.childrenRect.height + 2 * verticalPadding
+    implicitWidth: (body ? body.implicitWidth : 0) + 2 * horizontalPadding
+    implicitHeight: bodyHeight + 2 * verticalPadding
 
     Rectangle {
         anchors.fill: parent
@@ -23,6 +28,12 @@ Item {
         anchors.fill: parent
         radius: Theme.cardRadius
         color: Theme.faded(Theme.cardFill, 0.45)
+    }
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.cardRadius
+        // Over the fill and inside the shape, as wide as a point at every scale.
+        color: "transparent"
         border.width: 1
         border.color: Theme.white(0.09)
     }

@@ -16,6 +16,9 @@ T.AbstractButton {
     implicitHeight: Math.ceil(implicitContentHeight)
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
+    font.family: Theme.fontFamily
+    font.pixelSize: size
+    font.weight: weight
     opacity: !enabled ? 0.4 : pressed ? 0.7 : 1
 
     Accessible.role: Accessible.Button
@@ -27,9 +30,7 @@ T.AbstractButton {
     contentItem: Text {
         text: link.text
         color: link.hovered && link.enabled ? Theme.brighter(link.color) : link.color
-        font.family: link.font.family
-        font.pixelSize: link.size
-        font.weight: link.weight
+        font: link.font
         verticalAlignment: Text.AlignVCenter
     }
 

@@ -37,6 +37,7 @@ T.AbstractButton {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     opacity: enabled ? 1 : 0.4
+    font.family: Theme.fontFamily
     font.pixelSize: size
     text: menuChoices.labels.length > 0 ? menuChoices.at(currentIndex) : ""
     onClicked: openMenu()

@@ -25,6 +25,7 @@ T.Button {
     implicitHeight: Math.ceil(implicitContentHeight) + topPadding + bottomPadding
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
+    font.family: Theme.fontFamily
     font.pixelSize: 13
     font.weight: Font.DemiBold
 
@@ -65,8 +66,8 @@ T.Button {
     }
 
     contentItem: Item {
-        implicitWidth: childrenRect.width
-        implicitHeight: childrenRect.height
+        implicitWidth: children[0].implicitWidth
+        implicitHeight: children[0].implicitHeight
         opacity: button.looksOpacity
         scale: button.looksScale
 
