@@ -18,8 +18,12 @@ using Reply = std::unique_ptr<T, FreeReply>;
 
 /// A compositing manager holds the selection _NET_WM_CM_S<screen> (Extended Window Manager Hints).
 bool hasCompositingManager(xcb_connection_t* connection) {
+    // $DISPLAY names the screen that the connection is for.
+    char* host = nullptr;
+    int display = 0;
     int screen = 0;
-    xcb_parse_display(nullptr, nullptr, nullptr, &screen);
+    const bool isNamed = xcb_parse_display(nullptr, &host, &display, &screen) != 0;
+    const std::unique_ptr<char, FreeReply> ownedHost(isNamed ? host : nullptr);
     const std::string name = "_NET_WM_CM_S" + std::to_string(screen);
     const Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 1, static_cast<uint16_t>(name.size()), name.c_str()),

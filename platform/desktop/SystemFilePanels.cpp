@@ -1,12 +1,16 @@
 #include "platform/desktop/SystemFilePanels.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QMimeDatabase>
+#include <QPushButton>
 #include <QStandardPaths>
 #include <QStyleFactory>
+#include <QTreeView>
 #include <QUrl>
 #include <utility>
 
@@ -47,6 +51,20 @@ QList<QUrl> places() {
             urls << url;
     }
     return urls;
+}
+
+/// What the toolkit's own panel lacks by itself: room for names, and calm buttons. Does nothing to a
+/// desktop's.
+void arrange(QFileDialog& dialog) {
+    dialog.resize(860, 560);
+    if (const auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        list->header()->setStretchLastSection(false);
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+    if (const auto* box = dialog.findChild<QDialogButtonBox*>())
+        for (auto* button : box->buttons())
+            button->setIcon({});
 }
 
 }  // namespace
@@ -103,7 +121,7 @@ std::optional<std::filesystem::path> SystemFilePanels::run(const Request& reques
     dialog.setDirectory(startFolder());
     dialog.setSidebarUrls(places());
     configure(dialog, request);
-    dialog.resize(860, 560);
+    arrange(dialog);
     dialog.winId();  // makes the window that can be put above ours
     dialog.windowHandle()->setTransientParent(window_);
     dialog.setWindowModality(Qt::ApplicationModal);

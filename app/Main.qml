@@ -1,0 +1,73 @@
+// The one window: its ground, the screen on it, and what stands in for the desktop's frame.
+import QtQuick
+import Korvane.App
+import Korvane.Controls
+
+Window {
+    id: window
+
+    required property ContentView view
+    required property WindowFrame frame
+
+    title: "Korvane"
+    width: frame.startSize.width
+    height: frame.startSize.height
+    minimumWidth: frame.minimumSize.width
+    minimumHeight: frame.minimumSize.height
+    color: "transparent"
+
+    WindowBackground {
+        anchors.fill: parent
+        cornerRadius: window.frame.cornerRadius
+    }
+    DragArea {
+        anchors.fill: parent
+        frame: window.frame
+    }
+    TitleStrip {
+        id: strip
+        width: parent.width
+        frame: window.frame
+    }
+    Screen {
+        anchors.fill: parent
+        anchors.margins: Theme.gap
+        anchors.topMargin: strip.height
+        view: window.view
+    }
+    // Sets the window off from dark neighbours, which a desktop's frame would do.
+    Rectangle {
+        anchors.fill: parent
+        visible: window.frame.canResize
+        radius: window.frame.cornerRadius
+        color: "transparent"
+        border.width: 1
+        border.color: Theme.white(0.1)
+    }
+    ResizeEdges {
+        anchors.fill: parent
+        frame: window.frame
+    }
+    DropTarget {
+        anchors.fill: parent
+        view: window.view
+    }
+
+    Shortcut {
+        sequences: [StandardKey.Open]
+        onActivated: window.view.openFilePicker()
+    }
+    Shortcut {
+        sequences: [StandardKey.Quit, StandardKey.Close]
+        onActivated: window.frame.close()
+    }
+    Shortcut {
+        sequences: [StandardKey.FullScreen]
+        onActivated: window.frame.toggleFullScreen()
+    }
+    Shortcut {
+        sequence: "Escape"
+        enabled: window.frame.isFullScreen
+        onActivated: window.frame.toggleFullScreen()
+    }
+}

@@ -1,0 +1,85 @@
+#include "app/ViewController.h"
+
+#include <QFile>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QUrl>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/desktop/Compositor.h"
+#include "platform/speech/InstalledSpeechEngines.h"
+#include "ui/controls/Theme.h"
+
+namespace korvane {
+namespace {
+
+/// For panels that the toolkit draws: the window's night blue, as opaque as widgets need it.
+QPalette panelPalette() {
+    const QColor text(235, 239, 247);
+    const QColor faint(140, 150, 172);
+    QPalette palette(Theme::bgBottom().lighter(135), Theme::bgBottom());
+    palette.setColor(QPalette::Base, Theme::bgTop());
+    palette.setColor(QPalette::AlternateBase, Theme::cardFill());
+    palette.setColor(QPalette::ToolTipBase, Theme::cardFill());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText,
+                            QPalette::BrightText, QPalette::HighlightedText})
+        palette.setColor(role, text);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Highlight, Theme::accentLo());
+    palette.setColor(QPalette::Link, Theme::accent());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, faint.darker(140));
+    return palette;
+}
+
+}  // namespace
+
+ViewController::ViewController()
+    : recognizers_(makeInstalledSpeechEngines()),
+      filePanels_(panelPalette()),
+      frame_(settings_, isCompositorRunning) {}
+
+ViewController::~ViewController() = default;
+
+void ViewController::viewDidLoad() {
+    contentView_ = std::make_unique<ContentView>(ContentView::Dependencies{
+        mainQueue_, defaults_, filePanels_, std::make_unique<VideoProcessor>(mainQueue_),
+        std::make_unique<SpeechService>(mainQueue_, authorization_, *recognizers_),
+        std::make_unique<VideoEditor>(mainQueue_, silentLog())});
+
+    engine_ = std::make_unique<QQmlEngine>();
+    engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
+    QQmlComponent component(engine_.get(), QUrl(QStringLiteral("qrc:/qt/qml/Korvane/App/Main.qml")));
+    std::unique_ptr<QObject> root(component.createWithInitialProperties(
+        {{QStringLiteral("view"), QVariant::fromValue(contentView_.get())},
+         {QStringLiteral("frame"), QVariant::fromValue(&frame_)}}));
+    window_.reset(qobject_cast<QQuickWindow*>(root.get()));
+    if (!window_)
+        throw std::runtime_error("Korvane's window can't be made: " + component.errorString().toStdString());
+    std::ignore = root.release();
+    prefetchOnceDrawn();
+}
+
+void ViewController::viewDidAppear() {
+    if (!window_)
+        return;
+    settings_.takeAnswer();
+    frame_.setWindow(window_.get());
+    filePanels_.setWindow(window_.get());
+}
+
+void ViewController::openVideo(const std::filesystem::path& path) {
+    contentView_->openDroppedFile(QUrl::fromLocalFile(
+        QFile::decodeName(QByteArray::fromStdString(std::filesystem::absolute(path).string()))));
+}
+
+void ViewController::prefetchOnceDrawn() {
+    // The picture comes first: reading the fonts would take half of a small machine.
+    connect(
+        window_.get(), &QQuickWindow::frameSwapped, this,
+        [this] { contentView_->styleEditor()->prefetchFonts(); },
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
+}  // namespace korvane

@@ -1,0 +1,104 @@
+// korvane: the window. Each start is a process of its own, so that one window's trouble is no other's.
+#include <unistd.h>
+
+#include <QApplication>
+#include <QFont>
+#include <QTimer>
+#include <cstdio>
+#include <string_view>
+
+#include "app/AppDelegate.h"
+#include "app/SoftwareRendering.h"
+#include "app/StartOptions.h"
+#include "app/ViewController.h"
+#include "platform/desktop/Display.h"
+#include "platform/process/ExitCode.h"
+#include "platform/process/Process.h"
+#include "platform/process/StopSignals.h"
+#include "platform/process/UsageError.h"
+
+using namespace korvane;
+
+namespace {
+
+int ended(ExitCode code) {
+    return static_cast<int>(code);
+}
+
+ExitCode failedWith(std::string_view sentence, ExitCode code) {
+    std::fprintf(stderr, "korvane: %.*s\n", static_cast<int>(sentence.size()), sentence.data());
+    return code;
+}
+
+/// While the application object is made, the toolkit ends the process for want of a working display; it needs
+/// no core file for that.
+void explainAndLeave(QtMsgType type, const QMessageLogContext&, const QString&) {
+    if (type != QtFatalMsg)
+        return;
+    failedWith("The window can't be opened on this display; korvane-cli does without one.", ExitCode::failed);
+    _exit(ended(ExitCode::failed));
+}
+
+/// The first family that is installed draws a letter; the next ones draw what it lacks.
+void chooseFont() {
+    QFont font = QApplication::font();
+    font.setFamilies(QStringList{QStringLiteral("Inter")} + font.families() +
+                     QStringList{QStringLiteral("Noto Color Emoji")});
+    QApplication::setFont(font);
+}
+
+ExitCode showWindow(const StartOptions& options, char** arguments) {
+    AppDelegate delegate;
+    ViewController controller;
+    controller.viewDidLoad();
+    controller.viewDidAppear();
+    fallBackToSoftwareRendering(*controller.window(), arguments);
+    if (options.video)
+        controller.openVideo(*options.video);
+
+    // Who asks twice doesn't want to wait for what is still being stopped.
+    const StopSignals signals(
+        [](int count) { count == 1 ? QApplication::quit() : _exit(ended(ExitCode::stopped)); });
+    QTimer::singleShot(0, [&delegate] { delegate.applicationDidFinishLaunching(); });
+    QObject::connect(qApp, &QApplication::aboutToQuit, [&delegate] { delegate.applicationWillTerminate(); });
+    controller.window()->show();
+    QApplication::exec();
+    return ExitCode::done;
+}
+
+ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
+    const auto display = findDisplay();
+    if (!display.problem.empty())
+        return failedWith(display.problem, ExitCode::failed);
+    if (!display.platform.empty())
+        qputenv("QT_QPA_PLATFORM", QByteArray::fromStdString(display.platform));
+
+    const BorrowedRuntimeFolder borrowed;
+    const auto usualHandler = qInstallMessageHandler(explainAndLeave);
+    QApplication application(argc, argv);
+    qInstallMessageHandler(usualHandler);
+    settleLocale();
+    QApplication::setApplicationName(QStringLiteral("korvane"));
+    QApplication::setDesktopFileName(QStringLiteral("korvane"));
+    chooseFont();
+    return showWindow(options, argv);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    StopSignals::hold();
+    prepareProcess();
+    try {
+        const auto options = parseStartOptions({argv + 1, argv + argc});
+        if (!options.printout.empty()) {
+            std::fputs(options.printout.c_str(), stdout);
+            return std::fflush(stdout) == 0 ? ended(ExitCode::done) : ended(ExitCode::failed);
+        }
+        return ended(openWindow(options, argc, argv));
+    } catch (const UsageError& error) {
+        return ended(failedWith(error.what(), ExitCode::wrongUsage));
+    } catch (const std::exception& error) {
+        return ended(failedWith(error.what(), ExitCode::failed));
+    }
+}
