@@ -93,6 +93,38 @@ class Words(Tree):
                 self.assertIn("a.cpp:2: ", result.stdout)
 
 
+class Awaits(Tree):
+    def result_of(self, statement: str) -> subprocess.CompletedProcess:
+        self.put("app/A.cpp", f"MainTask f() {{\n{statement}\n}}\n")
+        return self.run_check("check_awaits")
+
+    def test_a_named_variable_in_a_statement_of_its_own_is_fine(self):
+        for statement in [
+            "co_await call;", "auto words = co_await call;", "const int n = co_await call;", "n = co_await call;",
+            "std::vector<Word> words = co_await call;", "const auto& words = co_await call;",
+            "try { co_await call; } catch (const Error&) { fail(); }", "if (ready) { co_await call; }",
+            "// never co_await f();", "/* if (co_await f())\n */", 'log("co_await f()");', "co_return;",
+            "n = 1'000; co_await call; m = 2'000;", 'log(R"(co_await f();)");',
+        ]:
+            with self.subTest(statement=statement):
+                result = self.result_of(statement)
+                self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+
+    def test_everything_else_is_found_with_its_line(self):
+        for statement in [
+            "co_await f();", "auto n = co_await f(Options{1});", "co_await run([copy] { work(copy); });",
+            "if (co_await call) return;", "while (co_await call) {}", "use(co_await call);", "co_return co_await call;",
+            "return co_await call;", "auto n = co_await call + 1;", "auto n = (co_await call).size();",
+            "co_await (call);", "co_await std::move(call);", "co_await object.call;", "for (auto n = co_await call;;) {}",
+            "auto n{co_await call};", "auto n = ready ? co_await call : 0;", "co_await\n  f();", "co_yield f();",
+            "int a = 1, b = co_await call;", "else co_await call;",
+        ]:
+            with self.subTest(statement=statement):
+                result = self.result_of(statement)
+                self.assertEqual(result.returncode, 1, result.stdout + result.stderr)
+                self.assertIn("app/A.cpp:2: ", result.stdout)
+
+
 class Format(Tree):
     def test_only_formatted_sources_pass(self):
         (self.root / ".clang-format").write_text((TOOLS.parent / ".clang-format").read_text())

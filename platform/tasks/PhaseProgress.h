@@ -1,0 +1,44 @@
+// The progress of one phase of a longer operation, brought to the main thread.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "platform/tasks/MainQueue.h"
+
+namespace korvane {
+
+/// Made and destroyed on the main thread. Destroying it ends the phase: fractions that arrive later, and
+/// those that still wait in the queue, are dropped.
+class PhaseProgress {
+  public:
+    /// \param apply  called on the main thread only, as long as this stands.
+    /// \param queue  must outlive every copy of callback().
+    PhaseProgress(MainQueue& queue, std::function<void(double)> apply)
+        : queue_(queue), apply_(std::make_shared<Apply>(std::move(apply))) {}
+
+    /// For a service: callable from any thread, at any time, also after this is gone. Fractions that come on
+    /// the main thread are applied at once.
+    std::function<void(double)> callback() const {
+        return [&queue = queue_, main = std::this_thread::get_id(),
+                listener = std::weak_ptr<Apply>(apply_)](double fraction) {
+            const auto deliver = [listener, fraction] {
+                if (const auto apply = listener.lock())
+                    (*apply)(fraction);
+            };
+            if (std::this_thread::get_id() == main)
+                deliver();
+            else
+                queue.post(deliver);
+        };
+    }
+
+  private:
+    using Apply = std::function<void(double)>;
+    MainQueue& queue_;
+    std::shared_ptr<Apply> apply_;  // weak elsewhere, and locked on the main thread only
+};
+
+}  // namespace korvane
