@@ -32,4 +32,16 @@ std::int32_t int32FromFloat(float value) {
     return static_cast<std::int32_t>(value);
 }
 
+std::int64_t int64FromDouble(double value) {
+    constexpr double kTwoTo63 = 9223372036854775808.0;  // the first double above the range
+    if (!std::isfinite(value))
+        runtimeTrap("Double value cannot be converted to Int because it is either infinite or NaN");
+    if (value < -kTwoTo63)
+        runtimeTrap("Double value cannot be converted to Int because the result would be less than Int.min");
+    if (value >= kTwoTo63)
+        runtimeTrap(
+            "Double value cannot be converted to Int because the result would be greater than Int.max");
+    return static_cast<std::int64_t>(value);
+}
+
 }  // namespace korvane

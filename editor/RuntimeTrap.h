@@ -14,5 +14,6 @@ double clampedToZeroAnd(double value, double upper);
 
 /// Drops the fraction. Traps for a value that is not finite or does not fit.
 std::int32_t int32FromFloat(float value);
+std::int64_t int64FromDouble(double value);
 
 }  // namespace korvane

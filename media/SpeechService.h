@@ -23,10 +23,11 @@ class SpeechService {
     SpeechService(MainQueue& mainQueue, SpeechAuthorization& authorization,
                   SpeechRecognizerRegistry& recognizers,
                   std::shared_ptr<TickClock> clock = std::make_shared<SteadyTickClock>());
+    virtual ~SpeechService() = default;
 
     /// Returns when recognition is authorised. Blocks while the question is open.
     /// \throws SpeechError permissionDenied or permissionRestricted, CancellationError when stopped first.
-    void requestPermission(std::stop_token stop);
+    virtual void requestPermission(std::stop_token stop);
 
     /// Recognises the words of `audioURL`, one segment each, just as the recogniser gave them, on the
     /// recording's own time line. No words are no error. Blocks.
@@ -36,9 +37,10 @@ class SpeechService {
     /// 1.0 and may come after the return.
     /// \throws SpeechError recognizerUnavailable before anything is started, or the recogniser's own error:
     /// MediaError, RecognitionError, or CancellationError once `stop` is requested.
-    std::vector<SpeechSegment> transcribe(const std::filesystem::path& audioURL, double audioDuration,
-                                          const Locale& locale, std::function<void(double)> onProgress,
-                                          std::stop_token stop);
+    virtual std::vector<SpeechSegment> transcribe(const std::filesystem::path& audioURL, double audioDuration,
+                                                  const Locale& locale,
+                                                  std::function<void(double)> onProgress,
+                                                  std::stop_token stop);
 
   private:
     MainQueue& mainQueue_;

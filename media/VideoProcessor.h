@@ -20,6 +20,7 @@ class VideoProcessor {
   public:
     explicit VideoProcessor(MainQueue& mainQueue,
                             VideoProcessorPlatform platform = realVideoProcessorPlatform());
+    virtual ~VideoProcessor() = default;
 
     /// Writes the video's sound to a new M4A file in the temporary folder; time 0 of the file is time 0 of
     /// the video. Blocks.
@@ -27,8 +28,8 @@ class VideoProcessor {
     /// may come after the return.
     /// \throws ProcessingError, MediaError, or CancellationError once `stop` is requested; then `onProgress`
     /// is not called any more. When it throws, the session has left no file.
-    ExtractedAudio extractAudio(const std::filesystem::path& from, std::function<void(double)> onProgress,
-                                std::stop_token stop) const;
+    virtual ExtractedAudio extractAudio(const std::filesystem::path& from,
+                                        std::function<void(double)> onProgress, std::stop_token stop) const;
 
   private:
     MainQueue& mainQueue_;

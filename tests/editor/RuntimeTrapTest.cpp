@@ -28,6 +28,19 @@ TEST(RuntimeTrap, floatsLoseTheirFraction) {
     EXPECT_EQ(int32FromFloat(2147483520.0F), 2147483520);
 }
 
+TEST(RuntimeTrap, doublesLoseTheirFraction) {
+    EXPECT_EQ(int64FromDouble(59.9), 59);
+    EXPECT_EQ(int64FromDouble(-1.9), -1);
+    EXPECT_EQ(int64FromDouble(-9223372036854775808.0), std::numeric_limits<std::int64_t>::min());
+}
+
+TEST(RuntimeTrapDeathTest, aDoubleThatIsNoNumberOrDoesNotFitStopsTheProgram) {
+    EXPECT_DEATH(int64FromDouble(std::numeric_limits<double>::quiet_NaN()), "either infinite or NaN");
+    EXPECT_DEATH(int64FromDouble(kInfinity), "either infinite or NaN");
+    EXPECT_DEATH(int64FromDouble(9223372036854775808.0), "greater than Int.max");
+    EXPECT_DEATH(int64FromDouble(-9223372036854777856.0), "less than Int.min");
+}
+
 TEST(RuntimeTrapDeathTest, aNegativeUpperBoundStopsTheProgram) {
     EXPECT_DEATH(clampedToZeroAnd(0.0, -1.0), "Fatal error: Range requires lowerBound <= upperBound");
 }
