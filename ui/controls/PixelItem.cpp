@@ -45,6 +45,8 @@ class PixelNode : public QSGNode {
             auto* slice = window_->createImageNode();
             slice->setOwnsTexture(false);
             slice->setFlag(OwnedByParent);
+            // Before it joins the scene: the software renderer looks at the textures of what is added.
+            slice->setTexture(texture.get());
             appendChildNode(slice);
         }
         for (QSGNode* slice = firstChild(); slice != nullptr; slice = slice->nextSibling()) {

@@ -1,6 +1,6 @@
-// The words, scrolling: one stop of the Tab key, with a ring around the word that has the keyboard.
+// The words, scrolling: one stop of the Tab key, with a ring around the word that has the keyboard. Whoever places it
+// gives it a scroll bar where there is room for one.
 import QtQuick
-import QtQuick.Templates as T
 import Korvane.Controls
 import Korvane.Words
 
@@ -17,8 +17,6 @@ Flickable {
     contentHeight: flow.implicitHeight
     boundsBehavior: Flickable.StopAtBounds
     clip: true
-
-    T.ScrollBar.vertical: ThinScrollBar {}
 
     WordFlow {
         id: flow

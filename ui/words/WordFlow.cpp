@@ -15,9 +15,10 @@ namespace {
 
 constexpr double kPadding = 2.0;
 constexpr WordFlowLayout kLayout{.hSpacing = 5.0, .vSpacing = 6.0};
-/// What one turn of the event loop may spend on words; both together stay well under a frame of 16.7 ms.
-constexpr int kMeasureMs = 3;
-constexpr int kFillMs = 5;
+/// What one turn of the event loop may spend on words; both together leave most of a frame of 16.7 ms to
+/// drawing.
+constexpr int kMeasureMs = 2;
+constexpr int kFillMs = 4;
 /// Lines kept ready above and below what is seen, in points: a notch of the wheel finds them filled.
 constexpr double kMargin = 90.0;
 /// Tokens kept beyond those in use, so that lines of longer words don't throw away what the next ones need.

@@ -1,5 +1,6 @@
 // The card of the recognised words: how many there are, two shortcuts, and the words to choose from.
 import QtQuick
+import QtQuick.Templates as T
 import Korvane.Controls
 import Korvane.Words
 
@@ -70,12 +71,23 @@ GlassCard {
         anchors.right: parent.right
 
         WordArea {
+            id: area
             objectName: "area"
             anchors.fill: parent
             visible: card.hasWords
             words: card.words
             reactive: !card.active
             onToggled: index => card.tokenToggled(index)
+
+            // In the card's margin, so that it covers no word.
+            T.ScrollBar.vertical: ThinScrollBar {
+                objectName: "scrollBar"
+                parent: body
+                anchors.top: area.top
+                anchors.bottom: area.bottom
+                anchors.left: area.right
+                anchors.leftMargin: 3
+            }
         }
         Column {
             objectName: "empty"

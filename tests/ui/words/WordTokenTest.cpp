@@ -31,12 +31,19 @@ QColor over(const QColor& ground, const QColor& top) {
            << seen.name().toStdString() << " is not " << expected.name().toStdString();
 }
 
+bool hasCalmedDown(const WordTokenItem& token) {
+    return QTest::qWaitFor([&] {
+        const auto* animation = token.findChild<QVariantAnimation*>();
+        return animation && animation->state() == QAbstractAnimation::Stopped;
+    });
+}
+
 }  // namespace
 
 TEST(WordToken, hasTheColoursOfBothStates) {
     ShownWords shown(segments({"yes", "no"}));
     shown.select({0});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return shown.flow().tokenOf(1)->borderColor().alpha() == 0; }));
+    ASSERT_TRUE(hasCalmedDown(*shown.flow().tokenOf(1)));
     const WordTokenItem* on = shown.flow().tokenOf(0);
     EXPECT_EQ(on->textColor(), Theme::white(1));
     EXPECT_NEAR(on->fillColor().alphaF(), 0.28, 0.001);
@@ -51,7 +58,7 @@ TEST(WordToken, hasTheColoursOfBothStates) {
 TEST(WordToken, isDrawnWithFillBorderInsideAndRoundCorners) {
     ShownWords shown(segments({"yes", "no"}));
     shown.select({0});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return shown.flow().tokenOf(1)->borderColor().alpha() == 0; }));
+    ASSERT_TRUE(hasCalmedDown(*shown.flow().tokenOf(1)));
     const QImage picture = shown.picture();
     const QColor ground = Theme::bgTop();
     const QRect on = shown.inWindow(0).toRect();

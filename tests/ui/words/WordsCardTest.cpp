@@ -101,6 +101,16 @@ TEST(WordsCard, allAndNoneChangeEveryTokenSeenAndUnseen) {
     EXPECT_TRUE(card.flow().tokenOf(798)->isSelected());
 }
 
+TEST(WordsCard, theScrollBarStandsBesideTheWords) {
+    Card card(800);
+    const QQuickItem& bar = card.item("scrollBar");
+    EXPECT_TRUE(bar.isVisible());
+    EXPECT_GE(bar.mapToScene({0, 0}).x(), card.area().mapToScene({card.area().width(), 0}).x());
+    EXPECT_LE(bar.mapToScene({bar.width(), 0}).x(), 420);
+    Card few(3);
+    EXPECT_FALSE(few.item("scrollBar").isVisible());
+}
+
 TEST(WordsCard, theTabKeyGoesThroughTheShortcutsToTheTokens) {
     Card card(30);
     card.key(Qt::Key_Tab);
