@@ -11,7 +11,8 @@ namespace {
 
 /// Truncated toward zero, as sizes are shown.
 QString wholeNumber(double value) {
-    return QString::number(std::trunc(value), 'f', 0);
+    // Adding zero takes the sign from a negative one.
+    return QString::number(std::trunc(value) + 0.0, 'f', 0);
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ class StyleEditor : public QObject {
         bool hasPopAnimation READ hasPopAnimation WRITE setHasPopAnimation NOTIFY hasPopAnimationChanged)
     // Empty until the installed fonts have been read; see prefetchFonts().
     Q_PROPERTY(QStringList fontFamilies READ fontFamilies NOTIFY fontsChanged)
-    Q_PROPERTY(FontListModel* fontList READ fontList CONSTANT)
+    Q_PROPERTY(korvane::FontListModel* fontList READ fontList CONSTANT)
     Q_PROPERTY(QStringList weightNames READ weightNames NOTIFY weightsChanged)
     Q_PROPERTY(int weightIndex READ weightIndex NOTIFY weightsChanged)  // -1: a face that is not in the list
     Q_PROPERTY(QString weightName READ weightName NOTIFY weightsChanged)
