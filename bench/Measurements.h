@@ -25,5 +25,7 @@ void measureLengths(const Setting& setting, Report& report);
 void measureMinuteMemory(const Setting& setting, Report& report);
 /// Recognition of so many minutes of speech.
 void measureRecognition(const Setting& setting, Report& report, int minutes);
+/// The token area with 5,000 words against as many tokens at once.
+void measureTokens(const Setting& setting, Report& report);
 
 }  // namespace korvane::bench
