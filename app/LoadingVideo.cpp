@@ -1,0 +1,48 @@
+// How a video gets onto the screen: chosen in the panel or dropped.
+#include <QFile>
+#include <QPointer>
+#include <utility>
+
+#include "app/ContentView.h"
+#include "app/VideoFiles.h"
+
+namespace korvane {
+
+void ContentView::openFilePicker() {
+    if (isAnyActive() || isPanelOpen_)
+        return;
+    // The event loop runs behind the panel: a drop may start work there, and the window may go.
+    const QPointer<ContentView> self(this);
+    isPanelOpen_ = true;
+    const auto chosen = filePanels_.runOpenPanel({"Select a Video", videoFileTypes()});
+    if (!self)
+        return;
+    isPanelOpen_ = false;
+    if (chosen && !isAnyActive())
+        loadVideo(*chosen);
+}
+
+bool ContentView::acceptsDrop(const QUrl& url) const {
+    return !isAnyActive() && url.isLocalFile();
+}
+
+void ContentView::openDroppedFile(const QUrl& url) {
+    if (isAnyActive())
+        return;
+    if (auto reason = reasonAgainstVideo(url)) {
+        setErrorMessage(std::move(reason));
+        return;
+    }
+    loadVideo(QFile::encodeName(url.toLocalFile()).toStdString());
+}
+
+void ContentView::loadVideo(const std::filesystem::path& path) {
+    setSelectedURL(path);
+    setWords({});
+    setPreviewBundle(std::nullopt);
+    setErrorMessage(std::nullopt);
+    setOverallProgress(0.0);
+    setStatusText(QStringLiteral("Ready"));
+}
+
+}  // namespace korvane
