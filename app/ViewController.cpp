@@ -51,12 +51,14 @@ void ViewController::viewDidLoad() {
     engine_ = std::make_unique<QQmlEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
     QQmlComponent component(engine_.get(), QUrl(QStringLiteral("qrc:/qt/qml/Korvane/App/Main.qml")));
-    std::unique_ptr<QObject> root(component.createWithInitialProperties(
-        {{QStringLiteral("view"), QVariant::fromValue(contentView_.get())},
-         {QStringLiteral("frame"), QVariant::fromValue(&frame_)}}));
+    std::unique_ptr<QObject> root;
+    if (component.isReady())
+        root.reset(component.createWithInitialProperties(
+            {{QStringLiteral("view"), QVariant::fromValue(contentView_.get())},
+             {QStringLiteral("frame"), QVariant::fromValue(&frame_)}}));
     window_.reset(qobject_cast<QQuickWindow*>(root.get()));
     if (!window_)
-        throw std::runtime_error("Korvane's window can't be made: " + component.errorString().toStdString());
+        throw std::runtime_error("The window can't be made: " + component.errorString().toStdString());
     std::ignore = root.release();
     prefetchOnceDrawn();
 }

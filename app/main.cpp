@@ -11,6 +11,7 @@
 #include "app/SoftwareRendering.h"
 #include "app/StartOptions.h"
 #include "app/ViewController.h"
+#include "app/WindowIcon.h"
 #include "platform/desktop/Display.h"
 #include "platform/process/ExitCode.h"
 #include "platform/process/Process.h"
@@ -80,6 +81,7 @@ ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
     settleLocale();
     QApplication::setApplicationName(QStringLiteral("korvane"));
     QApplication::setDesktopFileName(QStringLiteral("korvane"));
+    QApplication::setWindowIcon(windowIcon());
     chooseFont();
     return showWindow(options, argv);
 }
