@@ -34,6 +34,10 @@ class CompositionVideoReader {
                            double canvasScale, int decodingThreads, std::stop_token stop);
     ~CompositionVideoReader();
 
+    /// Pictures rendered from now on have this size; what has been decoded stays. Between the two steps'
+    /// calls.
+    void setCanvasScale(double canvasScale);
+
     int width() const;  ///< canvas pixels, even
     int height() const;
 

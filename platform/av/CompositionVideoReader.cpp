@@ -45,7 +45,7 @@ bool samePlace(const PlacedOverlay& a, const PlacedOverlay& b) {
 struct CompositionVideoReader::State {
     std::shared_ptr<const Composition> composition;
     VideoComposition video;
-    double scale = 1.0;
+    double scale = 0.0;
     int threads = 1;
     std::stop_token stop;
     int width = 0;
@@ -62,6 +62,20 @@ struct CompositionVideoReader::State {
     std::weak_ptr<const AVFrame> last;  ///< not held: pictures of large sources are heavy
     int repeats = 0;
     std::shared_ptr<AVFrame> clean;  ///< the last picture without layers, once it has been shown twice
+
+    void setScale(double canvasScale) {
+        scale = canvasScale;
+        width = evenPixels(video.renderSize.width * scale);
+        height = evenPixels(video.renderSize.height * scale);
+        converters.clear();
+        overlays.clear();
+        clean = nullptr;
+        repeats = 0;
+        last.reset();
+        if (video.animationTool)
+            layers = std::make_unique<LayerRenderer>(
+                video.animationTool->parentLayer, video.animationTool->videoLayer, video.renderSize, scale);
+    }
 
     AffineTransform transformFor(MediaTime t, int trackID) const {
         for (const auto& instruction : video.instructions)
@@ -126,20 +140,19 @@ CompositionVideoReader::CompositionVideoReader(std::shared_ptr<const Composition
     State& s = *state_;
     s.composition = std::move(composition);
     s.video = std::move(videoComposition);
-    s.scale = canvasScale;
     s.threads = decodingThreads;
     s.stop = std::move(stop);
-    s.width = evenPixels(s.video.renderSize.width * canvasScale);
-    s.height = evenPixels(s.video.renderSize.height * canvasScale);
     const auto tracks = s.composition->tracks(MediaType::video);
     s.track = tracks.empty() ? nullptr : tracks.front();
-    if (s.video.animationTool)
-        s.layers = std::make_unique<LayerRenderer>(s.video.animationTool->parentLayer,
-                                                   s.video.animationTool->videoLayer, s.video.renderSize,
-                                                   canvasScale);
+    s.setScale(canvasScale);
 }
 
 CompositionVideoReader::~CompositionVideoReader() = default;
+
+void CompositionVideoReader::setCanvasScale(double canvasScale) {
+    if (canvasScale != state_->scale)
+        state_->setScale(canvasScale);
+}
 
 int CompositionVideoReader::width() const {
     return state_->width;

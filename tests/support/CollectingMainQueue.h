@@ -17,8 +17,8 @@ class CollectingMainQueue final : public MainQueue {
         work_.push_back(std::move(work));
     }
 
-    /// Runs what was posted, in order, on the calling thread.
-    void runAll() {
+    /// Runs what was posted, in order, on the calling thread. \return how much that was.
+    std::size_t runAll() {
         std::vector<std::function<void()>> work;
         {
             const std::lock_guard lock(mutex_);
@@ -26,6 +26,7 @@ class CollectingMainQueue final : public MainQueue {
         }
         for (const auto& call : work)
             call();
+        return work.size();
     }
 
   private:

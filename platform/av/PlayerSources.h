@@ -1,0 +1,53 @@
+// The two threads that make pictures and sound ready ahead of a player, each with a reader of its own.
+#pragma once
+
+#include <memory>
+#include <stop_token>
+#include <vector>
+
+#include "platform/av/CompositionReader.h"
+#include "platform/av/PlayerState.h"
+
+namespace korvane {
+
+/// Reads and draws pictures until the state is stopping. What can't be kept up with is left out.
+class FrameSource {
+  public:
+    FrameSource(PlayerState& state, std::stop_token stop) : state_(state), stop_(std::move(stop)) {}
+    void run();
+
+  private:
+    struct Job {
+        std::int64_t generation = 0;
+        std::int64_t lap = 0;
+        MediaTime time;
+        int width = 0;
+        int height = 0;
+    };
+    Job nextJob();
+    ReadyFrame make(const Job& job);
+    void fail(const Job& job, std::exception_ptr error);
+    void deliver(const Job& job, ReadyFrame frame);
+    void skipLateFrames();
+
+    PlayerState& state_;
+    std::stop_token stop_;
+    std::unique_ptr<CompositionVideoReader> reader_;
+    DisplayConverter display_;
+};
+
+/// Reads and mixes sound until the state is stopping.
+class SoundSource {
+  public:
+    SoundSource(PlayerState& state, std::stop_token stop) : state_(state), stop_(std::move(stop)) {}
+    void run();
+
+  private:
+    std::vector<float> read(std::int64_t sample, std::int64_t frames);
+
+    PlayerState& state_;
+    std::stop_token stop_;
+    std::unique_ptr<CompositionAudioReader> reader_;
+};
+
+}  // namespace korvane
