@@ -11,6 +11,7 @@
 #include "editor/CompositionData.h"
 #include "editor/DiagnosticLog.h"
 #include "editor/EditorPlatform.h"
+#include "editor/ExportBundle.h"
 #include "editor/SubtitleEntry.h"
 #include "model/SpeechSegment.h"
 #include "model/SubtitleSettings.h"
@@ -30,15 +31,25 @@ class VideoEditor {
     /// \param stage  other than debugStage only to look at a part of the pipeline by itself.
     explicit VideoEditor(MainQueue& mainQueue, DiagnosticLog log = standardOutputLog(),
                          EditorPlatform platform = realEditorPlatform(), int stage = debugStage);
+    virtual ~VideoEditor() = default;
+
+    /// Makes everything that plays the reel of `segments` before it is exported, from the same timeline as
+    /// the export. Blocks while the source is opened; looks at `stop` meanwhile.
+    /// \throws ExportError noSegmentsSelected before any file is touched, noVideoTrack, compositionFailed,
+    /// noContentInserted; MediaError; CancellationError.
+    virtual ExportBundle buildBundle(const std::filesystem::path& videoURL,
+                                     const std::vector<SpeechSegment>& segments,
+                                     const SubtitleSettings& subtitleSettings, std::stop_token stop) const;
 
     /// Writes the reel of `segments` as an MP4 file; what stood at `outputURL` is gone from the start.
     /// Blocks. \param onProgress  0 to 1, never falling, through the main queue; the last one on success is
     /// 1.0.
     /// \throws ExportError, MediaError, or CancellationError once `stop` is requested; then `onProgress` is
     /// not called any more. A destination that is the source, a folder or a device is refused and left alone.
-    void exportVideo(const std::filesystem::path& videoURL, const std::vector<SpeechSegment>& segments,
-                     const SubtitleSettings& subtitleSettings, const std::filesystem::path& outputURL,
-                     std::function<void(double)> onProgress, std::stop_token stop) const;
+    virtual void exportVideo(const std::filesystem::path& videoURL,
+                             const std::vector<SpeechSegment>& segments,
+                             const SubtitleSettings& subtitleSettings, const std::filesystem::path& outputURL,
+                             std::function<void(double)> onProgress, std::stop_token stop) const;
 
     // The steps that preview and export share. Everything below is pure but for its log lines.
 
