@@ -53,16 +53,17 @@ Window {
         view: window.view
     }
 
+    // By name: what is standard for them depends on the desktop, and on some is nothing.
     Shortcut {
-        sequences: [StandardKey.Open]
+        sequence: "Ctrl+O"
         onActivated: window.view.openFilePicker()
     }
     Shortcut {
-        sequences: [StandardKey.Quit, StandardKey.Close]
+        sequences: ["Ctrl+Q", "Ctrl+W"]
         onActivated: window.frame.close()
     }
     Shortcut {
-        sequences: [StandardKey.FullScreen]
+        sequence: "F11"
         onActivated: window.frame.toggleFullScreen()
     }
     Shortcut {

@@ -68,7 +68,7 @@ TEST_F(WindowFrameTest, cornersAreRoundOnlyInTheOpenAndWithACompositor) {
     frame.toggleFullScreen();
     hasCompositor = false;
     window.setWidth(410);
-    EXPECT_EQ(frame.cornerRadius(), 0);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return frame.cornerRadius() == 0; }));
 }
 
 TEST_F(WindowFrameTest, minimisingKeepsItMaximised) {
