@@ -2,144 +2,101 @@
 
 #include <QHash>
 #include <QPainterPath>
-#include <initializer_list>
+#include <algorithm>
+#include <cmath>
 
 #include "ContinuousCorner.h"
+#include "IconPen.h"
 
 namespace korvane {
 
 namespace {
 
-constexpr qreal weight = 1.9;
 const QPointF middle(iconBox / 2, iconBox / 2);
 
-// One symbol being drawn: strokes and areas in its colour, and holes in those.
-class Pen {
-  public:
-    Pen(QPainter& painter, const QColor& color) : painter_(painter), color_(color) {}
-
-    void stroke(const QPainterPath& path, qreal width = weight) {
-        painter_.strokePath(path, QPen(color_, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    }
-    void line(std::initializer_list<QPointF> points, qreal width = weight) { stroke(through(points), width); }
-    void fill(const QPainterPath& path) { painter_.fillPath(path, color_); }
-    /// A filled polygon with corners as round as `width`.
-    void solid(std::initializer_list<QPointF> points, qreal width = weight) {
-        QPainterPath path = through(points);
-        path.closeSubpath();
-        fill(path);
-        stroke(path, width);
-    }
-    void circle(qreal radius) { stroke(disc(middle, radius)); }
-    void dot(const QPointF& centre, qreal radius) { fill(disc(centre, radius)); }
-
-    /// What is drawn after this is cut out.
-    Pen& cutting() {
-        painter_.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-        color_ = Qt::black;
-        return *this;
-    }
-
-    static QPainterPath disc(const QPointF& centre, qreal radius) {
-        QPainterPath path;
-        path.addEllipse(centre, radius, radius);
-        return path;
-    }
-    static QPainterPath through(std::initializer_list<QPointF> points) {
-        QPainterPath path(*points.begin());
-        for (const QPointF& point : points) {
-            path.lineTo(point);
-        }
-        return path;
-    }
-    QPainter& painter() { return painter_; }
-
-  private:
-    QPainter& painter_;
-    QColor color_;
-};
-
 QPainterPath bubble(const QRectF& body, qreal radius) {
-    QPainterPath tail(QPointF(body.left() + 3.4, body.bottom() - 1.5));
-    tail.lineTo(body.left() + 3.4, body.bottom() + 3.6);
-    tail.lineTo(body.left() + 9.2, body.bottom() - 1.5);
+    QPainterPath tail(QPointF(body.left() + 4, body.bottom() - 1.5));
+    tail.lineTo(body.left() + 4, body.bottom() + 3.2);
+    tail.lineTo(body.left() + 9.4, body.bottom() - 1.5);
     tail.closeSubpath();
     return continuousRectangle(body, radius).united(tail);
 }
 
-void textBubble(Pen& pen) {
+void textBubble(IconPen& pen) {
     pen.stroke(bubble({2.4, 3.4, 19.2, 14.4}, 4.4));
-    pen.line({{7.2, 8.6}, {16.8, 8.6}}, 1.7);
-    pen.line({{7.2, 12.6}, {13.6, 12.6}}, 1.7);
+    pen.bar({7.2, 8.6}, {16.8, 8.6}, 1.7);
+    pen.bar({7.2, 12.6}, {13.6, 12.6}, 1.7);
 }
 
-void captionsBubble(Pen& pen) {
+void captionsBubble(IconPen& pen) {
     const QPainterPath body = bubble({2.2, 3.2, 19.6, 14.8}, 4.6);
     pen.fill(body);
     pen.stroke(body, 1.2);
     pen.cutting();
-    pen.line({{6.4, 9}, {11.2, 9}}, 1.7);
-    pen.line({{14.6, 9}, {17.6, 9}}, 1.7);
-    pen.line({{6.4, 13}, {9.2, 13}}, 1.7);
-    pen.line({{12.6, 13}, {17.6, 13}}, 1.7);
+    pen.bar({6.4, 9}, {11.2, 9}, 1.7);
+    pen.bar({14.6, 9}, {17.6, 9}, 1.7);
+    pen.bar({6.4, 13}, {9.2, 13}, 1.7);
+    pen.bar({12.6, 13}, {17.6, 13}, 1.7);
 }
 
-void playRectangle(Pen& pen) {
+void playRectangle(IconPen& pen) {
     pen.fill(continuousRectangle({1.4, 4.2, 21.2, 15.6}, 3.8));
     pen.cutting().solid({{10.2, 8.9}, {10.2, 15.1}, {15.3, 12}}, 1.4);
 }
 
-void xmarkCircle(Pen& pen) {
+void xmarkCircle(IconPen& pen) {
     pen.dot(middle, 10);
     pen.cutting();
     pen.line({{8.6, 8.6}, {15.4, 15.4}});
     pen.line({{15.4, 8.6}, {8.6, 15.4}});
 }
 
-void playCircle(Pen& pen) {
+void playCircle(IconPen& pen) {
     pen.circle(9.05);
     pen.solid({{10.2, 8.7}, {10.2, 15.3}, {15.5, 12}}, 1.4);
 }
 
-void arrowDownCircle(Pen& pen) {
+void arrowDownCircle(IconPen& pen) {
     pen.dot(middle, 10);
     pen.cutting();
     pen.line({{12, 7.1}, {12, 16.6}});
     pen.line({{8.1, 12.9}, {12, 16.8}, {15.9, 12.9}});
 }
 
-void warningTriangle(Pen& pen) {
+void warningTriangle(IconPen& pen) {
     pen.solid({{12, 4.1}, {20.6, 19.1}, {3.4, 19.1}}, 3.6);
     pen.cutting();
     pen.line({{12, 8.9}, {12, 13.6}}, 2);
     pen.dot({12, 17.2}, 1.25);
 }
 
-void film(Pen& pen) {
-    pen.stroke(continuousRectangle({2.2, 4.2, 19.6, 15.6}, 3));
-    pen.line({{7.1, 4.4}, {7.1, 19.6}}, 1.6);
-    pen.line({{16.9, 4.4}, {16.9, 19.6}}, 1.6);
-    pen.line({{7.1, 12}, {16.9, 12}}, 1.6);
+void film(IconPen& pen) {
+    pen.box({2.2, 4.2, 19.6, 15.6}, 3);
+    pen.bar({7.1, 4.4}, {7.1, 19.6}, 1.6);
+    pen.bar({16.9, 4.4}, {16.9, 19.6}, 1.6);
+    pen.bar({7.1, 12}, {16.9, 12}, 1.6);
     for (const qreal y : {9.2, 14.8}) {
-        pen.line({{2.4, y}, {7, y}}, 1.6);
-        pen.line({{17, y}, {21.6, y}}, 1.6);
+        pen.bar({2.4, y}, {7, y}, 1.6);
+        pen.bar({17, y}, {21.6, y}, 1.6);
     }
 }
 
-void waveform(Pen& pen) {
+void waveform(IconPen& pen) {
     constexpr qreal halves[] = {1.4, 4.6, 8.6, 3.4, 6.6, 2.2};
-    qreal x = 2.75;
-    for (const qreal half : halves) {
-        pen.line({{x, 12 - half}, {x, 12 + half}});
-        x += 3.7;
+    // Bars a whole number of pixels apart: one gap wider than its neighbours would be seen at once.
+    const qreal pitch = std::max(2.0, std::round(3.7 * pen.pixels())) / pen.pixels();
+    const qreal first = pen.onGrid(iconBox / 2 - 2.5 * pitch, iconWeight);
+    for (int i = 0; const qreal half : halves) {
+        const qreal x = first + pitch * i++;
+        pen.line({{x, 12 - half}, {x, 12 + half}}, pen.onGridWidth(iconWeight));
     }
 }
 
-void stop(Pen& pen) {
+void stop(IconPen& pen) {
     pen.fill(continuousRectangle({4.2, 4.2, 15.6, 15.6}, 3.4));
 }
 
-void globe(Pen& pen) {
+void globe(IconPen& pen) {
     pen.circle(9.05);
     QPainterPath meridian;
     meridian.addEllipse(middle, 4.1, 9.05);
@@ -147,21 +104,21 @@ void globe(Pen& pen) {
     pen.line({{3.2, 12}, {20.8, 12}}, 1.6);
 }
 
-void chevronUpDown(Pen& pen) {
+void chevronUpDown(IconPen& pen) {
     pen.line({{7.4, 9}, {12, 4.6}, {16.6, 9}}, 2.2);
     pen.line({{7.4, 15}, {12, 19.4}, {16.6, 15}}, 2.2);
 }
 
-void chevronDown(Pen& pen) {
+void chevronDown(IconPen& pen) {
     pen.line({{5, 8.6}, {12, 15.6}, {19, 8.6}}, 2.2);
 }
 
-void magnifier(Pen& pen) {
-    pen.stroke(Pen::disc({10.2, 10.2}, 6.9));
+void magnifier(IconPen& pen) {
+    pen.stroke(IconPen::disc({10.2, 10.2}, 6.9));
     pen.line({{15.4, 15.4}, {20.6, 20.6}}, 2.3);
 }
 
-void eyedropper(Pen& pen) {
+void eyedropper(IconPen& pen) {
     QPainter& painter = pen.painter();
     painter.save();
     painter.translate(middle);
@@ -178,25 +135,25 @@ void eyedropper(Pen& pen) {
     painter.restore();
 }
 
-void checkmark(Pen& pen) {
+void checkmark(IconPen& pen) {
     pen.line({{4.4, 12.9}, {9.5, 18.2}, {19.6, 5.8}}, 2.3);
 }
 
-void xmark(Pen& pen) {
+void xmark(IconPen& pen) {
     pen.line({{5.4, 5.4}, {18.6, 18.6}}, 2.1);
     pen.line({{18.6, 5.4}, {5.4, 18.6}}, 2.1);
 }
 
-void minus(Pen& pen) {
-    pen.line({{4.4, 12}, {19.6, 12}}, 2.1);
+void minus(IconPen& pen) {
+    pen.bar({4.4, 12}, {19.6, 12}, 2.1);
 }
 
-void square(Pen& pen) {
-    pen.stroke(continuousRectangle({4.2, 4.2, 15.6, 15.6}, 3.2));
+void square(IconPen& pen) {
+    pen.box({4.2, 4.2, 15.6, 15.6}, 3.2);
 }
 
-void squareOnSquare(Pen& pen) {
-    pen.stroke(continuousRectangle({2.9, 7.9, 13.2, 13.2}, 2.8));
+void squareOnSquare(IconPen& pen) {
+    pen.box({2.9, 7.9, 13.2, 13.2}, 2.8);
     QPainterPath behind(QPointF(7.9, 4.9));
     behind.cubicTo(7.9, 3.6, 8.8, 2.9, 10.2, 2.9);
     behind.lineTo(18, 2.9);
@@ -206,7 +163,7 @@ void squareOnSquare(Pen& pen) {
     pen.stroke(behind);
 }
 
-void folder(Pen& pen) {
+void folder(IconPen& pen) {
     QPainterPath outline(QPointF(2.4, 7));
     outline.cubicTo(2.4, 5.2, 3.4, 4.4, 5, 4.4);
     outline.lineTo(8.3, 4.4);
@@ -221,16 +178,16 @@ void folder(Pen& pen) {
     outline.cubicTo(3.4, 19.6, 2.4, 18.7, 2.4, 16.8);
     outline.closeSubpath();
     pen.stroke(outline);
-    pen.line({{2.6, 10.6}, {21.4, 10.6}}, 1.6);
+    pen.bar({2.6, 10.6}, {21.4, 10.6}, 1.6);
 }
 
-void info(Pen& pen) {
+void info(IconPen& pen) {
     pen.circle(9.05);
     pen.dot({12, 7.9}, 1.25);
     pen.line({{12, 11.6}, {12, 16.4}});
 }
 
-using Shape = void (*)(Pen&);
+using Shape = void (*)(IconPen&);
 
 const QHash<QString, Shape>& shapes() {
     static const QHash<QString, Shape> all{
@@ -275,7 +232,7 @@ bool drawIcon(QPainter& painter, const QString& name, const QColor& color) {
     }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    Pen pen(painter, color);
+    IconPen pen(painter, color);
     shape(pen);
     painter.restore();
     return true;

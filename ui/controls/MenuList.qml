@@ -1,6 +1,6 @@
 // The open list of a MenuPicker: rows of one height under the keys. Its rows are MenuRows.
 // Properties: model, currentIndex (where the keys are), chosen (the row with the mark), choices, font, rowHeight.
-// Signals: picked(int index).
+// Signals: picked(int index), escaped().
 import QtQuick
 import QtQuick.Templates as T
 import Korvane.Controls
@@ -13,6 +13,7 @@ ListView {
     property font font
     readonly property real rowHeight: 26
     signal picked(index: int)
+    signal escaped
 
     clip: true
     focus: true
@@ -22,7 +23,7 @@ ListView {
     implicitHeight: count * rowHeight
     T.ScrollBar.vertical: ThinScrollBar {}
 
-    Accessible.role: Accessible.PopupMenu
+    Accessible.role: Accessible.List
 
     Keys.onPressed: event => {
         const pageRows = Math.max(1, Math.floor(height / rowHeight) - 1);
@@ -32,6 +33,9 @@ ListView {
         case Qt.Key_Enter:
         case Qt.Key_Space:
             list.picked(currentIndex);
+            return;
+        case Qt.Key_Escape:
+            list.escaped();
             return;
         case Qt.Key_Home:
             currentIndex = 0;

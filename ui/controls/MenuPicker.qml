@@ -1,46 +1,49 @@
 // A pop-up menu that shows the chosen one of some labels and offers the others.
 // Properties: model (list of strings), currentIndex (a binding on it stays bound: picking only tells), name (for
-// assistive tools), size (pixels of the text), fits (as wide as the widest label if no width is set), enabled.
+// assistive tools), text (the chosen label; set it where one outside the list is to show), size (pixels of the text),
+// enabled. As wide as the widest label needs if no width is set.
 // Signals: picked(int index). Keys: Space, Enter, arrows open it; letters go to the label that begins so; in the list
 // arrows, Home, End, Page keys, letters, Enter picks, Escape leaves.
 import QtQuick
 import QtQuick.Templates as T
 import Korvane.Controls
 
-T.AbstractButton {
+KeyFocusItem {
     id: picker
 
     property var model: []
     property int currentIndex: -1
     property string name: ""
+    property string text: menuChoices.labels.length > 0 ? menuChoices.at(currentIndex) : ""
     property real size: 12
+    property font font: Qt.font({
+        family: Theme.fontFamily,
+        pixelSize: size
+    })
     readonly property alias opened: menu.visible
     signal picked(index: int)
+
+    // Whether the focus showed when the list opened, so that it shows again after.
+    property bool openedByKeys: false
 
     function openMenu() {
         if (!enabled || list.count === 0)
             return;
+        openedByKeys = visualFocus;
         list.currentIndex = Math.max(0, currentIndex);
         menu.open();
     }
 
     function pick(index: int) {
         menu.close();
+        forceActiveFocus(openedByKeys ? Qt.TabFocusReason : Qt.PopupFocusReason);
         if (index >= 0 && index !== currentIndex)
             picked(index);
     }
 
-    implicitWidth: menuChoices.widest + leftPadding + rightPadding + 18
+    implicitWidth: menuChoices.widest + 34
     implicitHeight: Theme.controlHeight
-    leftPadding: 9
-    rightPadding: 7
-    focusPolicy: Qt.StrongFocus
-    hoverEnabled: true
     opacity: enabled ? 1 : 0.4
-    font.family: Theme.fontFamily
-    font.pixelSize: size
-    text: menuChoices.labels.length > 0 ? menuChoices.at(currentIndex) : ""
-    onClicked: openMenu()
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: name
@@ -53,15 +56,15 @@ T.AbstractButton {
         case Qt.Key_Enter:
         case Qt.Key_Up:
         case Qt.Key_Down:
+        case Qt.Key_Space:
             picker.openMenu();
             event.accepted = true;
-            return;
-        case Qt.Key_Space:
             return;
         }
         const found = menuChoices.typed(event.text, picker.currentIndex);
         if (found >= 0) {
             event.accepted = true;
+            picker.openedByKeys = picker.visualFocus;
             picker.pick(found);
         }
     }
@@ -72,30 +75,46 @@ T.AbstractButton {
         font: picker.font
     }
 
-    background: ContinuousRectangle {
+    ContinuousRectangle {
+        anchors.fill: parent
         radius: Theme.controlRadius
-        color: Theme.white(picker.pressed ? 0.15 : picker.hovered || picker.opened ? 0.12 : 0.08)
+        color: Theme.white(mouse.pressed ? 0.15 : mouse.containsMouse || picker.opened ? 0.12 : 0.08)
         borderColor: Theme.white(0.08)
         borderWidth: 1
     }
+    Text {
+        anchors.left: parent.left
+        anchors.leftMargin: 9
+        anchors.right: parent.right
+        anchors.rightMargin: 24
+        anchors.verticalCenter: parent.verticalCenter
+        text: picker.text
+        font: picker.font
+        color: Theme.white(0.92)
+        elide: Text.ElideRight
+        textFormat: Text.PlainText
+        Accessible.ignored: true
+    }
+    Icon {
+        anchors.right: parent.right
+        anchors.rightMargin: 7
+        anchors.verticalCenter: parent.verticalCenter
+        name: "chevron.up.chevron.down"
+        size: 11
+        color: Theme.white(0.55)
+    }
 
-    contentItem: Item {
-        Text {
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.rightMargin: 17
-            anchors.verticalCenter: parent.verticalCenter
-            text: picker.text
-            font: picker.font
-            color: Theme.white(0.92)
-            elide: Text.ElideRight
-        }
-        Icon {
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            name: "chevron.up.chevron.down"
-            size: 11
-            color: Theme.white(0.55)
+    MouseArea {
+        id: mouse
+        anchors.fill: parent
+        hoverEnabled: true
+        // A menu comes up at the press, and a second press puts it away.
+        onPressed: {
+            picker.forceActiveFocus(Qt.MouseFocusReason);
+            if (picker.opened)
+                picker.pick(-1);
+            else
+                picker.openMenu();
         }
     }
 
@@ -115,7 +134,7 @@ T.AbstractButton {
         margins: 8
         modal: false
         focus: true
-        closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+        closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
         onOpened: list.positionViewAtIndex(list.currentIndex, ListView.Center)
 
         background: Rectangle {
@@ -136,6 +155,7 @@ T.AbstractButton {
             delegate: MenuRow {}
             Accessible.name: picker.name
             onPicked: index => picker.pick(index)
+            onEscaped: picker.pick(-1)
         }
     }
 }

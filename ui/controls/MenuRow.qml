@@ -20,7 +20,7 @@ T.ItemDelegate {
     onHoveredChanged: if (hovered) menu.currentIndex = index
     onClicked: menu.picked(index)
 
-    Accessible.role: Accessible.MenuItem
+    Accessible.role: Accessible.ListItem
     Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: chosen

@@ -11,8 +11,8 @@
 
 namespace korvane {
 
-// Derive from it as korvane::PixelItem, with its namespace: the list of types that the checker of QML reads names it
-// as it is written.
+// Derive from it as korvane::PixelItem, with its namespace: the list of types that the checker of QML reads
+// names it as it is written.
 class PixelItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS

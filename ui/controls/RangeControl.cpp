@@ -12,17 +12,11 @@ namespace {
 
 constexpr qreal echo = 1e-6;
 
-bool isKeyboardReason(Qt::FocusReason reason) {
-    return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-           reason == Qt::ShortcutFocusReason;
-}
-
 }  // namespace
 
-RangeControl::RangeControl(QQuickItem* parent) : QQuickItem(parent) {
+RangeControl::RangeControl(QQuickItem* parent) : KeyFocusItem(parent) {
     setAcceptedMouseButtons(Qt::LeftButton);
     setAcceptHoverEvents(true);
-    setActiveFocusOnTab(true);
     setKeepMouseGrab(true);  // a scrolling area around it must not take the drag over
 }
 
@@ -190,16 +184,6 @@ void RangeControl::hoverLeaveEvent(QHoverEvent*) {
     setHovered(false);
 }
 
-void RangeControl::focusInEvent(QFocusEvent* event) {
-    QQuickItem::focusInEvent(event);
-    setVisualFocus(isKeyboardReason(event->reason()));
-}
-
-void RangeControl::focusOutEvent(QFocusEvent* event) {
-    QQuickItem::focusOutEvent(event);
-    setVisualFocus(false);
-}
-
 void RangeControl::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickItem::itemChange(change, data);
     if (change == ItemEnabledHasChanged && !data.boolValue) {
@@ -222,14 +206,6 @@ void RangeControl::setHovered(bool hovered) {
     }
     hovered_ = hovered;
     Q_EMIT hoveredChanged();
-}
-
-void RangeControl::setVisualFocus(bool visualFocus) {
-    if (visualFocus == visualFocus_) {
-        return;
-    }
-    visualFocus_ = visualFocus;
-    Q_EMIT visualFocusChanged();
 }
 
 }  // namespace korvane

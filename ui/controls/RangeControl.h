@@ -6,11 +6,12 @@
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
-#include <QQuickItem>
+
+#include "KeyFocusItem.h"
 
 namespace korvane {
 
-class RangeControl : public QQuickItem {
+class RangeControl : public korvane::KeyFocusItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(qreal from READ from WRITE setFrom NOTIFY rangeChanged)
@@ -24,7 +25,6 @@ class RangeControl : public QQuickItem {
     Q_PROPERTY(qreal position READ position NOTIFY valueChanged)
     Q_PROPERTY(bool pressed READ isPressed NOTIFY pressedChanged)
     Q_PROPERTY(bool hovered READ isHovered NOTIFY hoveredChanged)
-    Q_PROPERTY(bool visualFocus READ hasVisualFocus NOTIFY visualFocusChanged)
     // As assistive tools read them.
     Q_PROPERTY(qreal minimumValue READ from NOTIFY rangeChanged)
     Q_PROPERTY(qreal maximumValue READ to NOTIFY rangeChanged)
@@ -44,7 +44,6 @@ class RangeControl : public QQuickItem {
     qreal position() const;
     bool isPressed() const { return pressed_; }
     bool isHovered() const { return hovered_; }
-    bool hasVisualFocus() const { return visualFocus_; }
 
     /// Moves by so many steps, as a key does.
     Q_INVOKABLE void stepBy(int steps);
@@ -60,7 +59,6 @@ class RangeControl : public QQuickItem {
     void valueChanged();
     void pressedChanged();
     void hoveredChanged();
-    void visualFocusChanged();
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -71,8 +69,6 @@ class RangeControl : public QQuickItem {
     void keyPressEvent(QKeyEvent* event) override;
     void hoverEnterEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
 
   private:
@@ -84,7 +80,6 @@ class RangeControl : public QQuickItem {
     qreal travel() const;
     void setPressed(bool pressed);
     void setHovered(bool hovered);
-    void setVisualFocus(bool visualFocus);
 
     qreal from_ = 0;
     qreal to_ = 1;
@@ -96,7 +91,6 @@ class RangeControl : public QQuickItem {
     qreal value_ = 0;
     bool pressed_ = false;
     bool hovered_ = false;
-    bool visualFocus_ = false;
     qreal grip_ = 0;       ///< where on the handle it was taken, from its middle
     int wheelTurned_ = 0;  ///< eighths of a degree that did not make a step yet
 };

@@ -31,7 +31,7 @@ T.Switch {
 
     Spring {
         id: place
-        to: control.checked ? 1 : 0
+        to: control.position
         response: 0.25
         damping: 0.8
     }

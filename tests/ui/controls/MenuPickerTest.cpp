@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <QFontMetricsF>
+#include <QTest>
+
+#include "MenuChoices.h"
+#include "Stage.h"
+
+namespace korvane {
+
+namespace {
+
+constexpr auto languages = R"qml(Item { property int model: 1; property var picks: []
+    MenuPicker { objectName: "picker"; x: 20; y: 20; name: "Language"; currentIndex: parent.model
+        model: ["English (US)", "German (Germany)", "French", "Greek", "Polish"]
+        onPicked: index => { parent.picks = parent.picks.concat(index); parent.model = index } } })qml";
+
+class Picker : public Stage {
+  public:
+    explicit Picker(const QByteArray& qml = languages, const QSize& size = QSize(300, 240))
+        : Stage(qml, size) {}
+
+    QQuickItem& control() { return item("picker"); }
+    bool isOpen() { return control().property("opened").toBool(); }
+    QString text() { return control().property("text").toString(); }
+    QVariantList picks() { return root().property("picks").toList(); }
+    QPoint middle() {
+        return control().mapToScene(QPointF(control().width() / 2, control().height() / 2)).toPoint();
+    }
+    void focus() { control().forceActiveFocus(Qt::TabFocusReason); }
+    QQuickItem* row(const QString& label) { return find(view().contentItem(), label); }
+    void open() {
+        click(middle());
+        ASSERT_TRUE(wait([this] { return isOpen() && row(QStringLiteral("French")) != nullptr; }));
+    }
+
+  private:
+    static QQuickItem* find(QQuickItem* from, const QString& label) {
+        for (QQuickItem* child : from->childItems()) {
+            if (child->property("modelData").toString() == label) {
+                return child;
+            }
+            if (QQuickItem* below = find(child, label)) {
+                return below;
+            }
+        }
+        return nullptr;
+    }
+};
+
+}  // namespace
+
+TEST(MenuPicker, showsTheChosenLabelAndFitsTheWidest) {
+    Picker picker;
+    EXPECT_EQ(picker.text(), QStringLiteral("German (Germany)"));
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(12);
+    const qreal widest = QFontMetricsF(font).horizontalAdvance(QStringLiteral("German (Germany)"));
+    EXPECT_GE(picker.control().width() - 9 - 7 - 17, widest);
+    EXPECT_LT(picker.control().width() - 9 - 7 - 20, widest);
+}
+
+TEST(MenuPicker, clickingALabelPicksIt) {
+    Picker picker;
+    picker.open();
+    QQuickItem* french = picker.row(QStringLiteral("French"));
+    picker.click(french->mapToScene(QPointF(30, 10)).toPoint());
+    EXPECT_EQ(picker.picks(), QVariantList{2});
+    EXPECT_EQ(picker.text(), QStringLiteral("French"));
+    EXPECT_TRUE(Stage::wait([&] { return !picker.isOpen(); }));
+}
+
+TEST(MenuPicker, pickingTheChosenOneSaysNothing) {
+    Picker picker;
+    picker.open();
+    picker.click(picker.row(QStringLiteral("German (Germany)"))->mapToScene(QPointF(30, 10)).toPoint());
+    EXPECT_TRUE(picker.picks().isEmpty());
+    EXPECT_TRUE(Stage::wait([&] { return !picker.isOpen(); }));
+}
+
+TEST(MenuPicker, keysOpenItMoveInItAndPick) {
+    Picker picker;
+    picker.focus();
+    picker.key(Qt::Key_Down);
+    ASSERT_TRUE(Stage::wait([&] { return picker.isOpen(); }));
+    picker.key(Qt::Key_Down);
+    picker.key(Qt::Key_Down);
+    EXPECT_TRUE(picker.picks().isEmpty());
+    picker.key(Qt::Key_Return);
+    EXPECT_EQ(picker.picks(), QVariantList{3});
+    ASSERT_TRUE(Stage::wait([&] { return !picker.isOpen() && picker.control().hasActiveFocus(); }));
+
+    picker.key(Qt::Key_Space);
+    ASSERT_TRUE(Stage::wait([&] { return picker.isOpen(); }));
+    picker.key(Qt::Key_Home);
+    picker.key(Qt::Key_Enter);
+    EXPECT_EQ(picker.picks(), (QVariantList{3, 0}));
+    ASSERT_TRUE(Stage::wait([&] { return !picker.isOpen(); }));
+}
+
+TEST(MenuPicker, escapeLeavesEverythingAsItWas) {
+    Picker picker;
+    picker.focus();
+    picker.key(Qt::Key_Return);
+    ASSERT_TRUE(Stage::wait([&] { return picker.isOpen(); }));
+    picker.key(Qt::Key_End);
+    picker.key(Qt::Key_Escape);
+    ASSERT_TRUE(Stage::wait([&] { return !picker.isOpen(); }));
+    EXPECT_TRUE(picker.control().property("visualFocus").toBool());
+    EXPECT_TRUE(picker.picks().isEmpty());
+    EXPECT_EQ(picker.text(), QStringLiteral("German (Germany)"));
+}
+
+TEST(MenuPicker, lettersGoToTheLabelThatBeginsSo) {
+    Picker picker;
+    picker.focus();
+    picker.key(Qt::Key_Return);
+    ASSERT_TRUE(Stage::wait([&] { return picker.isOpen(); }));
+    picker.type("po");
+    picker.key(Qt::Key_Return);
+    EXPECT_EQ(picker.picks(), QVariantList{4});
+}
+
+TEST(MenuPicker, lettersPickWhileItIsClosed) {
+    Picker picker;
+    picker.focus();
+    picker.type("f");
+    EXPECT_EQ(picker.picks(), QVariantList{2});
+    EXPECT_FALSE(picker.isOpen());
+}
+
+TEST(MenuPicker, aRefusedPickChangesNothing) {
+    Picker picker(
+        R"qml(Item { MenuPicker { objectName: "picker"; model: ["One", "Two"]; currentIndex: 0 } })qml");
+    picker.focus();
+    picker.type("t");
+    EXPECT_EQ(picker.text(), QStringLiteral("One"));
+}
+
+TEST(MenuPicker, itsListStaysInTheWindowAndShowsItsLabelsWhole) {
+    Picker picker(R"qml(Item { MenuPicker { objectName: "picker"; width: 90
+        anchors.right: parent.right; anchors.bottom: parent.bottom; currentIndex: 0
+        model: ["Thin", "Condensed Extra Bold Italic", "French"] } })qml",
+                  QSize(300, 200));
+    picker.open();
+    QQuickItem* row = picker.row(QStringLiteral("Condensed Extra Bold Italic"));
+    ASSERT_NE(row, nullptr);
+    ASSERT_TRUE(Stage::wait([&] { return row->width() > 150; }));
+    const QRectF bounds = row->mapRectToScene(row->boundingRect());
+    EXPECT_TRUE(QRectF(0, 0, 300, 200).contains(bounds));
+    auto* text = row->property("contentItem").value<QQuickItem*>()->childItems().last();
+    EXPECT_FALSE(text->property("truncated").toBool());
+}
+
+TEST(MenuPicker, disabledOrEmptyDoesNotOpen) {
+    Picker picker;
+    picker.control().setEnabled(false);
+    picker.click(picker.middle());
+    EXPECT_FALSE(picker.isOpen());
+    Picker empty(R"qml(Item { MenuPicker { objectName: "picker"; width: 90 } })qml");
+    empty.click(empty.middle());
+    EXPECT_FALSE(empty.isOpen());
+}
+
+TEST(MenuChoices, theSameLetterGoesOnToTheNext) {
+    MenuChoices choices;
+    choices.setLabels(
+        {QStringLiteral("Golf"), QStringLiteral("Alpha"), QStringLiteral("gamma"), QStringLiteral("Grid")});
+    EXPECT_EQ(choices.typed(QStringLiteral("g"), 0), 2);
+    EXPECT_EQ(choices.typed(QStringLiteral("g"), 2), 3);
+    EXPECT_EQ(choices.typed(QStringLiteral("g"), 3), 0);
+}
+
+TEST(MenuChoices, lettersTypedTogetherAreAPrefix) {
+    MenuChoices choices;
+    choices.setLabels({QStringLiteral("Bold"), QStringLiteral("Black"), QStringLiteral("Book")});
+    EXPECT_EQ(choices.typed(QStringLiteral("b"), -1), 0);
+    EXPECT_EQ(choices.typed(QStringLiteral("l"), 0), 1);
+    EXPECT_EQ(choices.typed(QStringLiteral("x"), 1), -1);
+}
+
+TEST(MenuChoices, aFlagBeforeTheNameIsPassedOver) {
+    MenuChoices choices;
+    choices.setLabels({QStringLiteral("🇺🇸  English"), QStringLiteral("🇩🇪  German")});
+    EXPECT_EQ(choices.typed(QStringLiteral("g"), 0), 1);
+}
+
+TEST(MenuChoices, controlKeysAreNotLetters) {
+    MenuChoices choices;
+    choices.setLabels({QStringLiteral("Bold")});
+    EXPECT_EQ(choices.typed(QString(QChar(0x1b)), 0), -1);
+    EXPECT_EQ(choices.typed(QString(), 0), -1);
+}
+
+}  // namespace korvane
