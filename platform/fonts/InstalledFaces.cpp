@@ -57,6 +57,12 @@ bool coversEnglish(FcPattern* pattern) {
     return FcLangSetHasLang(languages, reinterpret_cast<const FcChar8*>("en")) != FcLangDifferentLang;
 }
 
+/// Symbols in the letters' places. The printing system's dingbats, found on most desktops, don't say so
+/// themselves.
+bool isSymbols(FcPattern* pattern, const std::string& family) {
+    return flag(pattern, FC_SYMBOL) || family == "D050000L";
+}
+
 std::optional<FontFace> faceOf(FcPattern* pattern) {
     const std::string format = firstString(pattern, FC_FONTFORMAT);
     // Type 1 and bitmap formats are listed by fontconfig but no longer drawn by the text engine.
@@ -74,7 +80,7 @@ std::optional<FontFace> faceOf(FcPattern* pattern) {
     face.widthPercent = static_cast<int>(number(pattern, FC_WIDTH, FC_WIDTH_NORMAL));
     face.italic = number(pattern, FC_SLANT, FC_SLANT_ROMAN) > FC_SLANT_ROMAN;
     face.color = flag(pattern, FC_COLOR);
-    face.latin = coversEnglish(pattern);
+    face.latin = coversEnglish(pattern) && !isSymbols(pattern, face.family);
     face.index = wholeNumber(pattern, FC_INDEX);
     return face;
 }
@@ -85,7 +91,7 @@ std::vector<FontFace> installedFaces() {
     const std::unique_ptr<FcPattern, PatternDeleter> any(FcPatternCreate());
     const std::unique_ptr<FcObjectSet, ObjectSetDeleter> wanted(
         FcObjectSetBuild(FC_FAMILY, FC_STYLE, FC_POSTSCRIPT_NAME, FC_FILE, FC_WEIGHT, FC_WIDTH, FC_SLANT,
-                         FC_COLOR, FC_LANG, FC_FONTFORMAT, FC_VARIABLE, FC_INDEX, nullptr));
+                         FC_COLOR, FC_LANG, FC_FONTFORMAT, FC_VARIABLE, FC_INDEX, FC_SYMBOL, nullptr));
     if (!any || !wanted)
         return {};
     const std::unique_ptr<FcFontSet, FontSetDeleter> found(FcFontList(nullptr, any.get(), wanted.get()));

@@ -1,4 +1,4 @@
-// The families of the font menu. Only those in sight exist, and only their fonts are loaded.
+// The families of the font menu; its rows are FontRows. Only those in sight exist, and only their fonts are loaded.
 import QtQuick
 import QtQuick.Templates as T
 import Korvane.Controls
@@ -32,7 +32,6 @@ ListView {
     cacheBuffer: 0
     boundsBehavior: Flickable.StopAtBounds
     highlightMoveDuration: 0
-    delegate: FontRow {}
     T.ScrollBar.vertical: ThinScrollBar {}
 
     Accessible.role: Accessible.List

@@ -4,7 +4,8 @@ import QtQuick.Templates as T
 import Korvane.Controls
 import Korvane.Style
 
-T.AbstractButton {
+// Not a button by type: assistive tools would be told so whatever its role is set to.
+T.Control {
     id: menu
 
     required property string name
@@ -24,7 +25,7 @@ T.AbstractButton {
     Accessible.role: Accessible.ComboBox
     Accessible.name: name
     Accessible.description: family
-    Accessible.onPressAction: clicked()
+    Accessible.onPressAction: openMenu()
 
     function openMenu() {
         fonts.search = ""
@@ -38,7 +39,7 @@ T.AbstractButton {
             chosen(picked)
     }
 
-    onClicked: popup.opened ? popup.close() : openMenu()
+    Keys.onSpacePressed: openMenu()
     Keys.onReturnPressed: openMenu()
     Keys.onEnterPressed: openMenu()
     Keys.onUpPressed: openMenu()
@@ -46,7 +47,7 @@ T.AbstractButton {
 
     background: ContinuousRectangle {
         radius: Theme.controlRadius
-        color: Theme.white(menu.pressed ? 0.15 : menu.hovered || popup.visible ? 0.12 : 0.08)
+        color: Theme.white(mouse.pressed ? 0.15 : menu.hovered || popup.visible ? 0.12 : 0.08)
         borderColor: Theme.white(0.08)
         borderWidth: 1
     }
@@ -68,6 +69,17 @@ T.AbstractButton {
         }
     }
 
+    MouseArea {
+        id: mouse
+        anchors.fill: parent
+        onClicked: {
+            if (popup.opened)
+                popup.close()
+            else
+                menu.openMenu()
+        }
+    }
+
     FocusRing {
         shown: menu.visualFocus
         cornerRadius: Theme.controlRadius
@@ -79,7 +91,7 @@ T.AbstractButton {
         y: menu.height + 6
         width: Math.max(280, Math.min(menu.width, 380))
         // Stays as it is while a search narrows the list, so that nothing jumps under the pointer.
-        height: 400
+        height: Math.min(400, menu.Window.height - 2 * margins)
         padding: 8
         margins: 8
         focus: true
@@ -125,6 +137,7 @@ T.AbstractButton {
             anchors { left: parent.left; right: parent.right; top: search.bottom; bottom: parent.bottom }
             anchors.topMargin: 8
             model: popup.wanted ? menu.fonts : null
+            delegate: FontRow {}
             chosen: menu.family
             Accessible.name: menu.name
             onPicked: line => menu.pick(line)

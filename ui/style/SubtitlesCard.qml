@@ -16,6 +16,8 @@ GlassCard {
 
         readonly property real rowHeight: Theme.controlHeight
         readonly property real groupGap: 14
+        // The first captions of both rows are one column, so that well and font begin at one edge.
+        readonly property real firstLabel: Math.ceil(colorLabel.implicitWidth)
         readonly property real firstRow: title.height + 12
         readonly property real secondRow: firstRow + rowHeight + 8
         readonly property real thirdRow: secondRow + rowHeight + 8
@@ -66,7 +68,7 @@ GlassCard {
                 y: content.firstRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { id: fontLabel; height: parent.height; text: qsTr("Font") }
+                Caption { width: content.firstLabel; height: parent.height; text: qsTr("Font") }
                 FontMenu {
                     name: qsTr("Font")
                     objectName: "font"
@@ -128,8 +130,7 @@ GlassCard {
                 y: content.secondRow
                 height: content.rowHeight
                 spacing: 6
-                // As wide as the caption above it, so that the well stands under the font.
-                Caption { width: Math.max(implicitWidth, fontLabel.width); height: parent.height; text: qsTr("Color") }
+                Caption { id: colorLabel; width: content.firstLabel; height: parent.height; text: qsTr("Color") }
                 ColorWell {
                     name: qsTr("Color")
                     objectName: "color"

@@ -116,7 +116,10 @@ TEST(InstalledFonts, everyPostScriptNameOpensItsOwnFace) {
             continue;
         const auto raw = QRawFont::fromFont(fonts.font(each.postScriptName, 40));
         const auto& wanted = *fonts.exactFace(each.postScriptName);
-        EXPECT_EQ(raw.familyName().toStdString(), wanted.family) << each.postScriptName;
+        // Where two foundries ship a family, the text engine adds whose it took: "Standard Symbols PS [URW
+        // ]".
+        const QString family = raw.familyName().section(QStringLiteral(" ["), 0, 0);
+        EXPECT_EQ(family.toStdString(), wanted.family) << each.postScriptName;
         EXPECT_EQ(raw.styleName().toStdString(), wanted.style) << each.postScriptName;
     }
 }
