@@ -26,21 +26,11 @@ Item {
         radius: height / 2
         color: Theme.white(0.08)
     }
-    Rectangle {
+    ContinuousRectangle {
         width: Math.max(0, Math.min(bar.width, bar.fillWidth))
         height: parent.height
-        radius: Math.min(width, height) / 2
-        visible: width > 0
-        gradient: Gradient {
-            orientation: Gradient.Horizontal
-            GradientStop {
-                position: 0
-                color: Theme.accentLo
-            }
-            GradientStop {
-                position: 1
-                color: Theme.accent
-            }
-        }
+        radius: height / 2
+        gradientFrom: Theme.accentLo
+        gradientTo: Theme.accent
     }
 }
