@@ -4,8 +4,8 @@ import QtQuick.Templates as T
 import Korvane.Controls
 import Korvane.Style
 
-// Not a button by type: assistive tools would be told so whatever its role is set to.
-T.Control {
+// An item of no kind of its own: assistive tools are told a control's kind whatever its role is set to.
+Item {
     id: menu
 
     required property string name
@@ -14,13 +14,18 @@ T.Control {
     signal chosen(string family)
 
     readonly property alias opened: popup.visible
+    /// The keys are here and a pointer did not bring them.
+    readonly property bool visualFocus: activeFocus && !byPointer
+    property bool byPointer: false
+
+    onActiveFocusChanged: {
+        if (!activeFocus && !popup.visible)
+            byPointer = false
+    }
 
     implicitWidth: 180
     implicitHeight: Theme.controlHeight
-    leftPadding: 9
-    rightPadding: 7
-    hoverEnabled: true
-    focusPolicy: Qt.StrongFocus
+    activeFocusOnTab: true
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: name
@@ -39,19 +44,25 @@ T.Control {
             chosen(picked)
     }
 
+    Keys.onPressed: event => {
+        byPointer = false
+        event.accepted = false
+    }
     Keys.onSpacePressed: openMenu()
     Keys.onReturnPressed: openMenu()
     Keys.onEnterPressed: openMenu()
     Keys.onUpPressed: openMenu()
     Keys.onDownPressed: openMenu()
 
-    background: ContinuousRectangle {
+    ContinuousRectangle {
+        anchors.fill: parent
         radius: Theme.controlRadius
-        color: Theme.white(mouse.pressed ? 0.15 : menu.hovered || popup.visible ? 0.12 : 0.08)
+        color: Theme.white(mouse.pressed ? 0.15 : mouse.containsMouse || popup.visible ? 0.12 : 0.08)
         borderColor: Theme.white(0.08)
         borderWidth: 1
     }
-    contentItem: Item {
+    Item {
+        anchors { fill: parent; leftMargin: 9; rightMargin: 7 }
         Text {
             anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
             anchors.rightMargin: 17
@@ -60,6 +71,7 @@ T.Control {
             color: Theme.white(0.92)
             font.pixelSize: 12
             elide: Text.ElideRight
+            Accessible.ignored: true
         }
         Icon {
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
@@ -72,7 +84,9 @@ T.Control {
     MouseArea {
         id: mouse
         anchors.fill: parent
+        hoverEnabled: true
         onClicked: {
+            menu.byPointer = true
             if (popup.opened)
                 popup.close()
             else
