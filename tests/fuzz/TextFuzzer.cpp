@@ -4,10 +4,10 @@
 #include <stdexcept>
 
 #include "cli/Failure.h"
-#include "platform/process/UsageError.h"
 #include "cli/WordSelection.h"
 #include "cli/WordsFile.h"
 #include "model/SubtitleSettings.h"
+#include "platform/process/UsageError.h"
 #include "tests/fuzz/Fuzzers.h"
 
 namespace korvane::fuzz {
