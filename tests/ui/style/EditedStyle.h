@@ -3,12 +3,12 @@
 
 #include <QCoreApplication>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "model/SubtitleSettings.h"
-#include "platform/defaults/MemoryUserDefaults.h"
 #include "ui/style/StyleEditor.h"
 
 namespace korvane {
@@ -20,6 +20,20 @@ inline FontFace madeUpFace(std::string family, std::string style, std::string na
     face.postScriptName = std::move(name);
     return face;
 }
+
+/// Keeps the one value that is stored.
+struct OneValue : UserDefaults {
+    std::optional<QByteArray> value;
+    std::optional<QByteArray> data(const std::string&) const override { return value; }
+    bool setData(const QByteArray& data, const std::string&) override {
+        value = data;
+        return true;
+    }
+    bool remove(const std::string&) override {
+        value.reset();
+        return true;
+    }
+};
 
 /// Families with weights; anything that is not there is drawn with "Inter Bold".
 struct MadeUpFonts {
@@ -71,7 +85,7 @@ struct EditedStyle {
     MadeUpFonts fonts;
     SubtitleSettings settings;
     StyleFonts editorsFonts = fonts.asked();
-    MemoryUserDefaults store;
+    OneValue store;
     int writes = 0;
     StyleEditor editor{[this]() -> const SubtitleSettings& { return settings; },
                        [this](const SubtitleSettings& changed) { set(changed); }, editorsFonts};
