@@ -24,8 +24,8 @@ T.TextField {
     maximumLength: 16
     renderType: Text.NativeRendering
 
-    Accessible.name: qsTr("Hex colour")
-    Accessible.description: wrong ? qsTr("This is no colour") : ""
+    Accessible.name: qsTr("Hex color")
+    Accessible.description: wrong ? qsTr("Not a color") : ""
 
     function showState() {
         text = choice.hexText
