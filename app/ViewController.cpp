@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "app/ControlAccessibility.h"
 #include "platform/desktop/Compositor.h"
 #include "platform/speech/InstalledSpeechEngines.h"
 #include "ui/controls/Theme.h"
@@ -52,6 +53,7 @@ void ViewController::viewDidLoad() {
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
     QQmlComponent component(engine_.get(), QUrl(QStringLiteral("qrc:/qt/qml/Korvane/App/Main.qml")));
     std::unique_ptr<QObject> root;
+    installControlAccessibility();  // the toolkit's own came with the component; the last one is asked first
     if (component.isReady())
         root.reset(component.createWithInitialProperties(
             {{QStringLiteral("view"), QVariant::fromValue(contentView_.get())},

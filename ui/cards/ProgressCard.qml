@@ -55,7 +55,6 @@ GlassCard {
                 font.weight: Font.Medium
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
-                Accessible.description: card.phaseText
             }
             Text {
                 objectName: "phaseText"
@@ -63,6 +62,8 @@ GlassCard {
                 visible: text.length > 0
                 color: Theme.white(0.45)
                 font.pixelSize: 11
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
             Text {
                 objectName: "etaText"
@@ -70,6 +71,8 @@ GlassCard {
                 visible: card.etaText.length > 0
                 color: Theme.white(0.45)
                 font.pixelSize: 11
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
             Text {
                 id: percent
@@ -81,6 +84,8 @@ GlassCard {
                 color: Theme.white(0.7)
                 font.pixelSize: 12
                 font.weight: Font.DemiBold
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
         }
 

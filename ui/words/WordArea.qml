@@ -32,7 +32,7 @@ Flickable {
         onScrollRequested: y => area.contentY = y
 
         Accessible.role: Accessible.List
-        Accessible.name: qsTr("Words")
+        Accessible.name: "Words"
         Accessible.focusable: true
     }
     Item {

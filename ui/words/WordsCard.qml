@@ -38,7 +38,7 @@ GlassCard {
 
             LinkButton {
                 objectName: "all"
-                text: qsTr("All")
+                text: "All"
                 color: Theme.accent
                 size: 11
                 weight: Font.Medium
@@ -53,7 +53,7 @@ GlassCard {
             }
             LinkButton {
                 objectName: "none"
-                text: qsTr("None")
+                text: "None"
                 color: Theme.white(0.45)
                 size: 11
                 weight: Font.Medium
@@ -106,6 +106,8 @@ GlassCard {
                 width: Math.min(implicitWidth, body.width)
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: card.emptyText
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
                 textFormat: Text.PlainText
                 elide: Text.ElideRight
                 font.pixelSize: 13
