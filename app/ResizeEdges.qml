@@ -15,21 +15,24 @@ Item {
         id: edge
 
         required property int edges
+        required property WindowFrame frame
 
         acceptedButtons: Qt.LeftButton
-        onPressed: event => root.frame.pressEdge(edge.edges, edge.mapToGlobal(event.x, event.y))
-        onPositionChanged: event => root.frame.movePointer(edge.mapToGlobal(event.x, event.y))
-        onReleased: root.frame.release()
-        onCanceled: root.frame.release()
+        onPressed: event => edge.frame.pressEdge(edge.edges, edge.mapToGlobal(event.x, event.y))
+        onPositionChanged: event => edge.frame.movePointer(edge.mapToGlobal(event.x, event.y))
+        onReleased: edge.frame.release()
+        onCanceled: edge.frame.release()
     }
 
     Edge {
+        frame: root.frame
         edges: Qt.LeftEdge
         cursorShape: Qt.SizeHorCursor
         width: root.thickness
         height: parent.height
     }
     Edge {
+        frame: root.frame
         edges: Qt.RightEdge
         cursorShape: Qt.SizeHorCursor
         anchors.right: parent.right
@@ -37,12 +40,14 @@ Item {
         height: parent.height
     }
     Edge {
+        frame: root.frame
         edges: Qt.TopEdge
         cursorShape: Qt.SizeVerCursor
         width: parent.width
         height: root.thickness
     }
     Edge {
+        frame: root.frame
         edges: Qt.BottomEdge
         cursorShape: Qt.SizeVerCursor
         anchors.bottom: parent.bottom
@@ -50,12 +55,14 @@ Item {
         height: root.thickness
     }
     Edge {
+        frame: root.frame
         edges: Qt.TopEdge | Qt.LeftEdge
         cursorShape: Qt.SizeFDiagCursor
         width: root.corner
         height: root.corner
     }
     Edge {
+        frame: root.frame
         edges: Qt.TopEdge | Qt.RightEdge
         cursorShape: Qt.SizeBDiagCursor
         anchors.right: parent.right
@@ -63,6 +70,7 @@ Item {
         height: root.corner
     }
     Edge {
+        frame: root.frame
         edges: Qt.BottomEdge | Qt.LeftEdge
         cursorShape: Qt.SizeBDiagCursor
         anchors.bottom: parent.bottom
@@ -70,6 +78,7 @@ Item {
         height: root.corner
     }
     Edge {
+        frame: root.frame
         edges: Qt.BottomEdge | Qt.RightEdge
         cursorShape: Qt.SizeFDiagCursor
         anchors.right: parent.right

@@ -2,7 +2,6 @@
 // them. Dragging moves the window, a double click makes it fill the screen and back.
 import QtQuick
 import Korvane.App
-import Korvane.Controls
 
 Item {
     id: strip
@@ -27,16 +26,20 @@ Item {
         anchors.rightMargin: margin
         height: parent.height
 
-        Repeater {
-            model: strip.frame.buttons
-
-            TitleButton {
-                required property string modelData
-
-                height: strip.height
-                button: modelData
-                frame: strip.frame
-            }
+        TitleButton {
+            height: strip.height
+            button: strip.frame.buttons[0]
+            frame: strip.frame
+        }
+        TitleButton {
+            height: strip.height
+            button: strip.frame.buttons[1]
+            frame: strip.frame
+        }
+        TitleButton {
+            height: strip.height
+            button: strip.frame.buttons[2]
+            frame: strip.frame
         }
     }
 }
