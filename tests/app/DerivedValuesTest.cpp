@@ -133,7 +133,7 @@ TEST_F(DerivedValues, eachInputOfADerivedValueAnnouncesIt) {
     ContentView& v = view();
     ContentViewPeer p = peer();
     EXPECT_GT(heard(v, &ContentView::canTranscribeChanged, [&] { loadVideo(); }), 0);
-    EXPECT_GT(heard(v, &ContentView::emptyStateTextChanged, [&] { p.setURL(std::nullopt); }), 0);
+    EXPECT_GT(heard(v, &ContentView::emptyStateTextChanged, [&] { p.dropURL(); }), 0);
     EXPECT_GT(heard(v, &ContentView::progressTextsChanged, [&] { p.setProgress(0.2); }), 0);
     EXPECT_GT(heard(v, &ContentView::progressTextsChanged, [&] { p.setStart(now_); }), 0);
     for (const bool on : {true, false})
@@ -158,8 +158,8 @@ TEST_F(DerivedValues, settingWhatIsAlreadySoAnnouncesNothing) {
     peer().setProgress(0.0);
     peer().setStart(std::nullopt);
     peer().setStatus(QStringLiteral("Ready"));
-    peer().setError(std::nullopt);
-    peer().setBundle(std::nullopt);
+    peer().dropError();
+    peer().dropBundle();
     peer().setWords({});
     peer().setSelected({});
     EXPECT_EQ(log_, std::vector<std::string>{});
