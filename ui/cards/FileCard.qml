@@ -1,7 +1,6 @@
 // The loaded video, and what starts and stops the transcription. Stop comes up in the room between name and buttons,
 // so that nothing moves away under the pointer.
 import QtQuick
-import QtQuick.Layouts
 import Korvane.Controls
 
 GlassCard {
@@ -17,57 +16,63 @@ GlassCard {
     signal transcribeRequested
     signal stopRequested
 
-    implicitHeight: row.implicitHeight + 2 * verticalPadding
+    implicitHeight: transcribe.height + 2 * verticalPadding
 
-    RowLayout {
-        id: row
-        anchors.fill: parent
-        spacing: 8
+    Icon {
+        id: sign
+        name: "film"
+        size: 16
+        color: card.hasVideo ? Theme.accent : Theme.white(0.3)
+        anchors.verticalCenter: parent.verticalCenter
+    }
+    Text {
+        id: nameText
+        anchors.left: sign.right
+        anchors.leftMargin: 8
+        anchors.right: card.stopVisible ? stop.left : load.left
+        anchors.rightMargin: 12
+        anchors.verticalCenter: parent.verticalCenter
+        text: card.fileName
+        textFormat: Text.PlainText
+        elide: Text.ElideMiddle
+        maximumLineCount: 1
+        color: card.hasVideo ? Theme.white(0.9) : Theme.white(0.4)
+        font.pixelSize: 13
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
 
-        Icon {
-            name: "film"
-            size: 16
-            color: card.hasVideo ? Theme.accent : Theme.white(0.3)
-            Layout.alignment: Qt.AlignVCenter
+        HoverHandler {
+            id: nameHover
         }
-        Text {
-            id: nameText
-            Layout.fillWidth: true
-            Layout.minimumWidth: 60
+        ToolTipBubble {
             text: card.fileName
-            textFormat: Text.PlainText
-            elide: Text.ElideMiddle
-            maximumLineCount: 1
-            color: card.hasVideo ? Theme.white(0.9) : Theme.white(0.4)
-            font.pixelSize: 13
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
-
-            HoverHandler {
-                id: nameHover
-            }
-            ToolTipBubble {
-                text: card.fileName
-                visible: nameHover.hovered && nameText.truncated
-            }
+            visible: nameHover.hovered && nameText.truncated
         }
-        StopPill {
-            objectName: "stopTranscription"
-            text: "Stop"
-            visible: card.stopVisible
-            onClicked: card.stopRequested()
-        }
-        GhostPill {
-            objectName: "loadVideo"
-            text: "Load Video"
-            enabled: card.loadEnabled
-            onClicked: card.loadRequested()
-        }
-        PrimaryPill {
-            objectName: "transcribe"
-            text: "Transcribe"
-            enabled: card.transcribeEnabled
-            onClicked: card.transcribeRequested()
-        }
+    }
+    StopPill {
+        id: stop
+        objectName: "stopTranscription"
+        anchors.right: load.left
+        anchors.rightMargin: 8
+        text: "Stop"
+        visible: card.stopVisible
+        onClicked: card.stopRequested()
+    }
+    GhostPill {
+        id: load
+        objectName: "loadVideo"
+        anchors.right: transcribe.left
+        anchors.rightMargin: 8
+        text: "Load Video"
+        enabled: card.loadEnabled
+        onClicked: card.loadRequested()
+    }
+    PrimaryPill {
+        id: transcribe
+        objectName: "transcribe"
+        anchors.right: parent.right
+        text: "Transcribe"
+        enabled: card.transcribeEnabled
+        onClicked: card.transcribeRequested()
     }
 }

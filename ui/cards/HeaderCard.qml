@@ -1,6 +1,5 @@
 // The name of the program, and the language that is spoken in the video.
 import QtQuick
-import QtQuick.Layouts
 import Korvane.Controls
 
 GlassCard {
@@ -12,42 +11,38 @@ GlassCard {
 
     signal languagePicked(int index)
 
-    implicitHeight: row.implicitHeight + 2 * verticalPadding
+    implicitHeight: names.height + 2 * verticalPadding
 
-    RowLayout {
-        id: row
-        anchors.fill: parent
-        spacing: 12
+    Column {
+        id: names
+        spacing: 1
 
-        Column {
-            Layout.fillWidth: true
-            spacing: 1
-
-            Text {
-                text: "Korvane"
-                color: "white"
-                font.pixelSize: 20
-                font.weight: Font.Bold
-                Accessible.role: Accessible.Heading
-                Accessible.name: text
-            }
-            Text {
-                text: "Speech Transcription"
-                color: Theme.white(0.45)
-                font.pixelSize: 12
-            }
+        Text {
+            text: "Korvane"
+            color: "white"
+            font.pixelSize: 20
+            font.weight: Font.Bold
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
         }
-
-        MenuPicker {
-            Layout.preferredWidth: 176
-            Layout.alignment: Qt.AlignVCenter
-            objectName: "languagePicker"
-            model: card.languageNames
-            currentIndex: card.languageIndex
-            enabled: card.languageEnabled
-            name: "Spoken language"
-            size: 13
-            onPicked: index => card.languagePicked(index)
+        Text {
+            text: "Speech Transcription"
+            color: Theme.white(0.45)
+            font.pixelSize: 12
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
+    }
+    MenuPicker {
+        objectName: "languagePicker"
+        anchors.right: parent.right
+        anchors.verticalCenter: names.verticalCenter
+        width: 176
+        name: "Spoken language"
+        size: 13
+        model: card.languageNames
+        currentIndex: card.languageIndex
+        enabled: card.languageEnabled
+        onPicked: index => card.languagePicked(index)
     }
 }

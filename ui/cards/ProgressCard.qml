@@ -1,6 +1,5 @@
 // How far the running operation is. Every piece has its own place, so nothing moves while the numbers change.
 import QtQuick
-import QtQuick.Layouts
 import Korvane.Controls
 
 GlassCard {
@@ -16,86 +15,101 @@ GlassCard {
 
     readonly property real barTotal: bar.width
 
-    implicitHeight: column.implicitHeight + 2 * verticalPadding
+    implicitHeight: status.height + bar.anchors.topMargin + bar.height + 2 * verticalPadding
 
-    FontMetrics {
-        id: digits
+    TextMetrics {
+        id: widest
         font: percent.font
+        text: "100%"
     }
 
-    ColumnLayout {
-        id: column
-        anchors.fill: parent
-        spacing: 10
+    Rectangle {
+        id: dot
+        width: 8
+        height: 8
+        radius: 4
+        anchors.verticalCenter: status.verticalCenter
+        color: card.dotColor
 
-        RowLayout {
-            Layout.fillWidth: true
-            spacing: 8
-
-            Rectangle {
-                implicitWidth: 8
-                implicitHeight: 8
-                radius: 4
-                color: card.dotColor
-                Layout.alignment: Qt.AlignVCenter
-
-                Behavior on color {
-                    ColorAnimation {
-                        duration: 160
-                    }
-                }
-            }
-            Text {
-                objectName: "statusText"
-                Layout.fillWidth: true
-                text: card.statusText
-                elide: Text.ElideRight
-                color: Theme.white(0.85)
-                font.pixelSize: 13
-                font.weight: Font.Medium
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
-            }
-            Text {
-                objectName: "phaseText"
-                text: card.phaseText
-                visible: text.length > 0
-                color: Theme.white(0.45)
-                font.pixelSize: 11
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
-            }
-            Text {
-                objectName: "etaText"
-                text: "· " + card.etaText
-                visible: card.etaText.length > 0
-                color: Theme.white(0.45)
-                font.pixelSize: 11
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
-            }
-            Text {
-                id: percent
-                objectName: "percentText"
-                // As wide as it ever gets.
-                Layout.preferredWidth: Math.ceil(digits.advanceWidth("100%")) + 1
-                horizontalAlignment: Text.AlignRight
-                text: card.percentText
-                color: Theme.white(0.7)
-                font.pixelSize: 12
-                font.weight: Font.DemiBold
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
+        Behavior on color {
+            ColorAnimation {
+                duration: 160
             }
         }
+    }
+    Text {
+        id: status
+        objectName: "statusText"
+        anchors.left: dot.right
+        anchors.leftMargin: 8
+        anchors.right: details.left
+        anchors.rightMargin: 12
+        text: card.statusText
+        textFormat: Text.PlainText
+        elide: Text.ElideRight
+        color: Theme.white(0.85)
+        font.pixelSize: 13
+        font.weight: Font.Medium
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
+    }
+    Row {
+        id: details
+        anchors.right: percent.left
+        anchors.rightMargin: 6
+        anchors.baseline: status.baseline
+        spacing: 8
 
-        ProgressBar {
-            id: bar
-            objectName: "progressBar"
-            Layout.fillWidth: true
-            fillWidth: card.barFill
-            fraction: card.progress
-            name: "Progress"
+        Text {
+            objectName: "phaseText"
+            visible: text.length > 0
+            text: card.phaseText
+            color: Theme.white(0.45)
+            font.pixelSize: 11
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
+        Text {
+            visible: eta.visible && card.phaseText.length > 0
+            text: "·"
+            color: Theme.white(0.25)
+            font.pixelSize: 11
+            Accessible.ignored: true
+        }
+        Text {
+            id: eta
+            objectName: "etaText"
+            visible: text.length > 0
+            text: card.etaText
+            color: Theme.white(0.45)
+            font.pixelSize: 11
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+    }
+    Text {
+        id: percent
+        objectName: "percentText"
+        anchors.right: parent.right
+        anchors.baseline: status.baseline
+        // As wide as it ever gets.
+        width: Math.ceil(widest.advanceWidth) + 1
+        horizontalAlignment: Text.AlignRight
+        text: card.percentText
+        color: Theme.white(0.7)
+        font.pixelSize: 12
+        font.weight: Font.DemiBold
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
+    }
+    ProgressBar {
+        id: bar
+        objectName: "progressBar"
+        anchors.top: status.bottom
+        anchors.topMargin: 10
+        width: parent.width
+        fillWidth: card.barFill
+        fraction: card.progress
+        name: "Progress"
     }
 }
