@@ -8,9 +8,10 @@ namespace {
 
 // Averaging begins at once with all reports alike and ends at this many: a second or two of reports.
 constexpr int kAveragedReports = 100;
-// Reports further off than this are a device that stood still or jumped, not jitter.
-constexpr double kJumpSeconds = 0.12;
-constexpr int kOutliersThatAreAJump = 3;
+// This many reports in a row, each further off than this, are no jitter: the device stood still, or told an
+// untruth when it began.
+constexpr double kJumpSeconds = 0.03;
+constexpr int kReportsThatAreAJump = 6;
 
 double secondsOf(ClockTime time) {
     return std::chrono::duration<double>(time).count();
@@ -39,12 +40,10 @@ void HeardClock::take(HeardFrames heard) {
     if (reports_ == 0)
         origin_ = heard.at;
     const double offset = static_cast<double>(heard.frames) - secondsOf(heard.at - origin_) * rateHz_;
-    if (reports_ > 0 && std::abs(offset - offset_) > kJumpSeconds * rateHz_) {
-        if (++outliers_ < kOutliersThatAreAJump)
-            return;
-        reports_ = 0;
-    }
-    outliers_ = 0;
+    const bool isFar = reports_ > 0 && std::abs(offset - offset_) > kJumpSeconds * rateHz_;
+    farReports_ = isFar ? farReports_ + 1 : 0;
+    if (farReports_ == kReportsThatAreAJump)
+        reports_ = farReports_ = 0;
     reports_ = std::min(reports_ + 1, kAveragedReports);
     offset_ += (offset - offset_) / reports_;
 }

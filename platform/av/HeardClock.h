@@ -28,7 +28,7 @@ class HeardClock {
     std::int64_t lastReport_ = 0;
     ClockTime lastNews_{-1};
     int reports_ = 0;
-    int outliers_ = 0;
+    int farReports_ = 0;
     double offset_ = 0.0;  ///< frames heard at clock time 0, were the stream endless
     ClockTime origin_{0};  ///< keeps the numbers small
     double last_ = 0.0;

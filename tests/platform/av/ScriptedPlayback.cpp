@@ -173,6 +173,8 @@ void ScriptedScreen::show(const PlayerFrame& frame) {
     const std::scoped_lock open(gate);
     const int number = readsNumbers ? frameNumberOf(*frame.picture) : -1;
     const std::scoped_lock lock(mutex_);
+    if (!keepsAll)
+        shown_.clear();
     shown_.push_back({clock_.now(), frame.time, number});
     picture_ = frame.picture;
 }

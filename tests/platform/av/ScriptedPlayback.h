@@ -96,7 +96,8 @@ class ScriptedScreen final : public FrameConsumer {
     std::optional<Shown> last() const;
     std::shared_ptr<const DisplayPicture> lastPicture() const;
     bool readsNumbers = true;
-    std::mutex gate;  ///< while a test holds it, the player can't hand over a picture
+    bool keepsAll = true;  ///< false: only the last
+    std::mutex gate;       ///< while a test holds it, the player can't hand over a picture
 
   private:
     const PlaybackClock& clock_;

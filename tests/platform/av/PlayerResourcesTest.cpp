@@ -1,0 +1,111 @@
+// What a player costs, in real time: memory over many players and laps, and how long the main thread waits.
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <thread>
+
+#include "tests/platform/av/PlayedReel.h"
+
+namespace korvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+double residentMegabytes() {
+    malloc_trim(0);
+    std::ifstream in("/proc/self/statm");
+    long total = 0;
+    long resident = 0;
+    in >> total >> resident;
+    return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
+struct PlayerResourcesTest : PlayedReel {
+    void SetUp() override {
+        outputs.tape->isOn = false;
+        screen->readsNumbers = false;
+        screen->keepsAll = false;
+    }
+    void playLaps(int laps) {
+        for (const int until = ends + laps; ends < until;)
+            run(20ms, 20ms);
+    }
+};
+
+TEST_F(PlayerResourcesTest, twoHundredPlayersLeaveMemoryFlat) {
+    const auto playOnce = [&] {
+        open();
+        player->setLoopHint(loopPoint);
+        loop();
+        start();
+        run(100ms, 20ms);
+        atEnd.invalidate();
+        player.reset();
+        queue.runAll();
+    };
+    for (int i = 0; i < 40; ++i)
+        playOnce();
+    const double before = residentMegabytes();
+    for (int i = 0; i < 200; ++i)
+        playOnce();
+    const double grown = residentMegabytes() - before;
+    std::printf("200 players: %+.1f MB on %.1f MB\n", grown, before);
+    EXPECT_LT(grown, 8.0);
+}
+
+TEST_F(PlayerResourcesTest, twoHundredLapsLeaveMemoryFlat) {
+    reel = makeReel(playedClip(), 2);
+    open();
+    player->setLoopHint(loopPoint);
+    loop();
+    start();
+    playLaps(30);
+    const double before = residentMegabytes();
+    playLaps(200);
+    const double grown = residentMegabytes() - before;
+    std::printf("200 laps: %+.1f MB on %.1f MB\n", grown, before);
+    EXPECT_LT(grown, 8.0);
+    EXPECT_EQ(outputs.tape->gaps, 0);
+}
+
+TEST_F(PlayerResourcesTest, nothingOnTheMainThreadWaitsForMedia) {
+    SteadyPlaybackClock real;
+    outputs.hasDevice = false;
+    ClockTime worstCall{0};
+    std::vector<ClockTime> ending;
+    const auto timed = [&](const auto& call) {
+        const ClockTime began = real.now();
+        call();
+        const ClockTime took = real.now() - began;
+        worstCall = std::max(worstCall, took);
+        return took;
+    };
+    for (int i = 0; i < 25; ++i) {
+        timed([&] { player = std::make_unique<Player>(queue, real, outputs, reel.item()); });
+        timed([&] { player->setFrameSize(360, 640); });
+        timed([&] { player->setFrameConsumer(screen); });
+        timed([&] { player->preroll(1.0, [](bool) {}); });
+        timed([&] { player->play(); });
+        for (int k = 0; k < 20; ++k) {
+            timed([&] { player->seek(MediaTime(k * 37 % 20, 10), kZeroTime, kZeroTime, [](bool) {}); });
+            timed([&] { return player->currentTime(); });
+            timed([&] { k % 3 == 0 ? player->pause() : player->play(); });
+            std::this_thread::sleep_for(std::chrono::milliseconds(k % 4));  // somewhere in the threads' work
+        }
+        const ClockTime worst = worstCall;
+        ending.push_back(timed([&] { player.reset(); }));
+        worstCall = worst;
+        queue.runAll();
+    }
+    std::ranges::sort(ending);
+    std::printf("worst call %.2f ms; ending: median %.1f ms, worst %.1f ms\n", worstCall.count() / 1e6,
+                ending[ending.size() / 2].count() / 1e6, ending.back().count() / 1e6);
+    EXPECT_LT(worstCall, 16ms);
+    EXPECT_LT(ending.back(), 100ms);
+}
+
+}  // namespace
+}  // namespace korvane
