@@ -5,6 +5,8 @@
 #include <QAccessible>
 #include <QQuickItem>
 
+#include "ui/controls/RangeControl.h"
+
 namespace korvane {
 namespace {
 
@@ -19,6 +21,12 @@ class ControlAccessible final : public QAccessibleQuickItem {
         if (role() == QAccessible::StaticText || role() == QAccessible::Heading)
             state.focusable = false;
         return state;
+    }
+
+    void setCurrentValue(const QVariant& value) override {
+        // Set as a property it would cut the slider off from what it shows, and nobody would hear of it.
+        if (auto* slider = qobject_cast<RangeControl*>(item()); slider && slider->isEnabled())
+            slider->moveTo(value.toReal());
     }
 };
 

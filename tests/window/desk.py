@@ -1,5 +1,5 @@
 """A desktop of its own for a test of the real window: a virtual screen, a window manager, a session bus with
-accessibility, and hands that only move the mouse and press keys. Accessibility is read to find things, never to act.
+accessibility, and hands that only move the mouse and press keys. Accessibility is read to find things; only its own tests act by it.
 
 A test script calls `desk.sit_down()` first; it starts the script again inside such a desktop.
 """
@@ -108,6 +108,18 @@ class Thing:
     @property
     def value(self):
         return Atspi.Value.get_current_value(self.node)
+
+    @property
+    def range(self):
+        return Atspi.Value.get_minimum_value(self.node), Atspi.Value.get_maximum_value(self.node)
+
+    def set_value(self, value):
+        Atspi.Value.set_current_value(self.node, value)
+
+    def press(self):
+        """As assistive technology does it."""
+        names = [Atspi.Action.get_action_name(self.node, i) for i in range(Atspi.Action.get_n_actions(self.node))]
+        Atspi.Action.do_action(self.node, next(i for i, name in enumerate(names) if name in ("Press", "Toggle")))
 
     def children(self):
         return [Thing(self.node.get_child_at_index(i)) for i in range(self.node.get_child_count())]

@@ -57,8 +57,8 @@ GlassCard {
         id: details
         anchors.right: percent.left
         anchors.rightMargin: 6
-        anchors.baseline: status.baseline
-        spacing: 8
+        anchors.verticalCenter: status.verticalCenter
+        spacing: 6
 
         Text {
             objectName: "phaseText"

@@ -47,6 +47,8 @@ class RangeControl : public korvane::KeyFocusItem {
 
     /// Moves by so many steps, as a key does.
     Q_INVOKABLE void stepBy(int steps);
+    /// Moves to the step next to `value` within the range, as a pointer does.
+    void moveTo(qreal value);
 
   Q_SIGNALS:
     void moved(qreal value);  ///< by the person, also during a drag; `value` has changed
@@ -72,7 +74,6 @@ class RangeControl : public korvane::KeyFocusItem {
     void itemChange(ItemChange change, const ItemChangeData& data) override;
 
   private:
-    void moveTo(qreal value);
     void dragTo(const QPointF& point);
     qreal snapped(qreal value) const;
     qreal step() const;
