@@ -246,9 +246,9 @@ const std::map<std::string, Scene>& scenes() {
              s.window->resize(s.size);
              s.window->show();
              s.until([&] { return s.window->isExposed(); });
-             s.click(s.item("transcribe"));
+             s.item("flow")->forceActiveFocus(Qt::TabFocusReason);
              for (int i = 0; i < 3; ++i)
-                 QTest::keyClick(s.window.get(), Qt::Key_Tab);
+                 QTest::keyClick(s.window.get(), Qt::Key_Right);
          }},
     };
     return all;
