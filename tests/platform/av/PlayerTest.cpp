@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "tests/fixtures/TestPattern.h"
 #include "tests/platform/av/PlayedReel.h"
 
 namespace korvane {
@@ -308,6 +309,26 @@ TEST_F(PlayerTest, picturesHaveTheSizeAskedForAndAlignedRows) {
         EXPECT_EQ(picture->strideBytes % 64, 0);
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(picture->data) % 64, 0U);
         EXPECT_EQ(frameNumberOf(*picture), reel.pictureAt(kZeroTime));
+    }
+}
+
+TEST_F(PlayerTest, coloursAreTheOnesOfTheSource) {
+    open();
+    player->setFrameSize(360, 640);
+    settle();
+    const auto picture = screen->lastPicture();
+    ASSERT_TRUE(picture);
+    for (const fixtures::Corner corner : fixtures::kCorners) {
+        const fixtures::UnitRect rect = fixtures::cornerRect(corner);
+        const int x = static_cast<int>((rect.left + rect.right) / 2 * picture->width);
+        const int y = static_cast<int>((rect.top + rect.bottom) / 2 * picture->height);
+        const std::uint8_t* pixel =
+            picture->data + static_cast<std::ptrdiff_t>(y) * picture->strideBytes + 4 * x;
+        const fixtures::Rgb wanted = fixtures::cornerColor(corner);
+        EXPECT_NEAR(pixel[0], 255 * wanted.blue, 4);
+        EXPECT_NEAR(pixel[1], 255 * wanted.green, 4);
+        EXPECT_NEAR(pixel[2], 255 * wanted.red, 4);
+        EXPECT_EQ(pixel[3], 255);
     }
 }
 
