@@ -10,9 +10,10 @@
 namespace korvane {
 namespace {
 
+/// Exactly these: what only derives from them may be sound alone, as telephones record it.
 bool isVideoType(const QMimeType& type) {
     return std::ranges::any_of(videoFileTypes(), [&](const PanelFileType& allowed) {
-        return type.inherits(QString::fromStdString(allowed.mimeType));
+        return type.name() == QString::fromStdString(allowed.mimeType);
     });
 }
 

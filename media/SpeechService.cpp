@@ -128,8 +128,10 @@ std::vector<SpeechSegment> SpeechService::transcribe(const std::filesystem::path
                                                      std::function<void(double)> onProgress,
                                                      std::stop_token stop) {
     const auto recognizer = recognizers_.makeRecognizer(locale);
-    if (!recognizer || !recognizer->isAvailable())
+    if (!recognizer || !recognizer->isAvailable()) {
+        checkCancelled(stop);  // who has stopped is not told what is missing
         throw SpeechError::recognizerUnavailable(locale);
+    }
     FileRecognitionRequest request;
     request.path = audioURL;
     request.shouldReportPartialResults = false;

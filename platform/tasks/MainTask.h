@@ -69,7 +69,7 @@ class [[nodiscard]] MainTask {
 
     /// Runs up to where it first waits. Once.
     void start() { resume(frame_); }
-    bool isDone() const { return frame_.done(); }
+    bool isDone() const { return !frame_.promise().isRunning && frame_.done(); }
     TaskHandle handle() const { return TaskHandle(frame_.promise().stop); }
 
     /// For what a task waits for: goes on where `frame` stands still.

@@ -192,6 +192,12 @@ TEST_F(SpeechServiceTest, anUnsupportedLocaleFailsBeforeAnyRequest) {
     EXPECT_EQ(queue.count(), 0U);
 }
 
+TEST_F(SpeechServiceTest, whoHasStoppedIsNotToldWhatIsMissing) {
+    stop.request_stop();
+    auto words = transcribe(10.0, "ja-JP");
+    EXPECT_THROW(words.get(), CancellationError);
+}
+
 TEST_F(SpeechServiceTest, aRecogniserThatIsNotAvailableFailsBeforeAnyRequest) {
     engine->isAvailable = false;
     auto words = transcribe();

@@ -8,6 +8,12 @@ Item {
     required property string message
     required property bool shown
 
+    // What is read while the card closes is still there.
+    property string lastMessage: ""
+    onMessageChanged: if (message.length > 0)
+        lastMessage = message
+    Component.onCompleted: lastMessage = message
+
     readonly property real textHeight: Math.min(edit.implicitHeight, 5 * lines.lineSpacing)
 
     implicitHeight: shown ? card.height : 0
@@ -46,6 +52,7 @@ Item {
             y: Math.round((lines.lineSpacing - height) / 2)
         }
         Flickable {
+            id: view
             anchors.left: sign.right
             anchors.leftMargin: 10
             anchors.right: parent.right
@@ -63,15 +70,20 @@ Item {
                 width: parent.width
                 readOnly: true
                 selectByMouse: true
-                activeFocusOnTab: true
-                text: frame.message
+                selectByKeyboard: true
+                activeFocusOnTab: frame.shown
+                onCursorRectangleChanged: {
+                    const line = cursorRectangle;
+                    view.contentY = Math.max(line.y + line.height - view.height, Math.min(view.contentY, line.y));
+                }
+                text: frame.lastMessage
                 textFormat: TextEdit.PlainText
                 wrapMode: TextEdit.Wrap
                 color: Theme.white(0.9)
                 selectionColor: Theme.accentLo
                 font.pixelSize: 13
                 Accessible.role: Accessible.AlertMessage
-                Accessible.name: frame.message
+                Accessible.name: frame.lastMessage
             }
         }
     }

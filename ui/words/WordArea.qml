@@ -27,7 +27,9 @@ Flickable {
         reactive: area.reactive
         viewportY: area.contentY
         viewportHeight: area.height
-        delegate: WordToken {}
+        delegate: WordToken {
+            enabled: area.reactive
+        }
         onToggled: index => area.toggled(index)
         onScrollRequested: y => area.contentY = y
 
