@@ -92,6 +92,20 @@ class Keyboard(end_to_end_test.Case):
         self.assertLess(seen.index(("push button", "Transcribe")), seen.index(words[0]))
         self.assertLess(seen.index(words[0]), seen.index(("combo box", "Font")))
 
+    def test_transcribe_and_stop_take_turns_with_the_keyboard(self):
+        self.start(self.video)
+        self.program.find(name="talk.mp4")
+        self.choose_english()
+        for _ in range(20):
+            key("Tab")
+            if until("a focus", self.focused) == ("push button", "Transcribe"):
+                break
+        key("space")
+        until("Stop to have the keyboard", lambda: self.focused() == ("push button", "Stop"))
+        key("space")
+        self.status("Cancelled")
+        until("Transcribe to have it again", lambda: self.focused() == ("push button", "Transcribe"))
+
 
 if __name__ == "__main__":
     desk.sit_down()

@@ -16,6 +16,26 @@ GlassCard {
     signal transcribeRequested
     signal stopRequested
 
+    // Transcribe and Stop take turns, and the keyboard goes with them: who started by key stops by key.
+    property bool byKeys: false
+
+    function handOver() {
+        const reason = byKeys ? Qt.TabFocusReason : Qt.OtherFocusReason;
+        if (stopVisible && transcribe.focus)
+            stop.forceActiveFocus(reason);
+        else if (!stopVisible && stop.focus)
+            transcribe.forceActiveFocus(reason);
+    }
+
+    onStopVisibleChanged: later.start()
+
+    // When the other one can take it.
+    Timer {
+        id: later
+        interval: 0
+        onTriggered: card.handOver()
+    }
+
     implicitHeight: transcribe.height + 2 * verticalPadding
 
     Icon {
@@ -56,6 +76,8 @@ GlassCard {
         anchors.rightMargin: 8
         text: "Stop"
         visible: card.stopVisible
+        onVisualFocusChanged: if (activeFocus)
+            card.byKeys = visualFocus
         onClicked: card.stopRequested()
     }
     GhostPill {
@@ -73,6 +95,9 @@ GlassCard {
         anchors.right: parent.right
         text: "Transcribe"
         enabled: card.transcribeEnabled
-        onClicked: card.transcribeRequested()
+        onClicked: {
+            card.byKeys = visualFocus;
+            card.transcribeRequested();
+        }
     }
 }
