@@ -29,6 +29,7 @@ double canvasScale(Size renderSize, int width, int height) {
 void FrameSource::run() {
     while (true) {
         Job job;
+        std::deque<ReadyFrame> discarded;
         {
             std::unique_lock lock(state_.mutex);
             state_.clock.wait(lock, state_.changed, kNoClockTime,
@@ -36,7 +37,9 @@ void FrameSource::run() {
             if (state_.stopping)
                 return;
             job = nextJob();
+            discarded.swap(state_.discarded);
         }
+        discarded.clear();
         try {
             deliver(job, make(job));
         } catch (const CancellationError&) {
@@ -60,13 +63,25 @@ FrameSource::Job FrameSource::nextJob() {
 }
 
 void FrameSource::skipLateFrames() {
-    if (!state_.running || state_.nextFrameLap != state_.lap)
+    if (!state_.running)
         return;
-    const MediaTime current = state_.grid.atOrBefore(state_.timeAt(state_.clock.now()));
-    while (state_.nextFrameTime < current && current < state_.duration) {
-        state_.nextFrameTime = state_.grid.after(state_.nextFrameTime);
-        ++state_.statistics.droppedFrames;
+    const std::int64_t lap = state_.lap + (state_.crossedEndAt ? 1 : 0);
+    if (state_.nextFrameLap < lap) {
+        skipTo(state_.duration);
+        state_.nextFrameLap = lap;
+        state_.nextFrameTime = state_.line.lapStartTime(lap);
     }
+    if (state_.nextFrameLap > lap)
+        return;
+    const double position = state_.positionAtTime(state_.clock.now());
+    const MediaTime current = state_.grid.atOrBefore(state_.line.timeAt(lap, position));
+    if (current < state_.duration)
+        skipTo(current);
+}
+
+void FrameSource::skipTo(MediaTime time) {
+    for (; state_.nextFrameTime < time; ++state_.statistics.droppedFrames)
+        state_.nextFrameTime = state_.grid.after(state_.nextFrameTime);
 }
 
 ReadyFrame FrameSource::make(const Job& job) {

@@ -29,6 +29,7 @@ class FrameSource {
     void fail(const Job& job, std::exception_ptr error);
     void deliver(const Job& job, ReadyFrame frame);
     void skipLateFrames();
+    void skipTo(MediaTime time);
 
     PlayerState& state_;
     std::stop_token stop_;

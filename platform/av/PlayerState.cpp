@@ -1,6 +1,7 @@
 #include "platform/av/PlayerState.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "platform/av/CompositionReader.h"
@@ -15,6 +16,8 @@ constexpr std::size_t kFewestFrames = 4;
 constexpr double kSoundAheadSeconds = 0.75;
 // What lies ready before playing starts.
 constexpr double kPrerollSeconds = 0.25;
+// Less would run dry before the next is read.
+constexpr double kLeastSoundSeconds = 0.1;
 
 MediaTime frameDurationOf(const VideoComposition& video) {
     return video.frameDuration > kZeroTime ? video.frameDuration : MediaTime(1, 30);
@@ -111,6 +114,7 @@ MediaTime PlayerState::frameTimeOf(MediaTime t) const {
 
 void PlayerState::makeFramesFrom(std::int64_t firstLap, MediaTime time) {
     ++frameGeneration;
+    std::ranges::move(frames, std::back_inserter(discarded));
     frames.clear();
     frameBytes = 0;
     nextFrameLap = firstLap;
@@ -143,6 +147,10 @@ bool PlayerState::wantsSound() const {
     if (!format || nextSoundLap > lastLapAllowed())
         return false;
     return static_cast<double>(nextSoundFrom) - position < kSoundAheadSeconds * rateHz();
+}
+
+bool PlayerState::hasSoundToBegin() const {
+    return !wantsSound() || static_cast<double>(nextSoundFrom) >= position + kLeastSoundSeconds * rateHz();
 }
 
 bool PlayerState::isPrerolled() const {

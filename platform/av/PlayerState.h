@@ -74,6 +74,7 @@ class PlayerState {
     int frameWidth = 0;  ///< asked for, pixels
     int frameHeight = 0;
     std::deque<ReadyFrame> frames;
+    std::deque<ReadyFrame> discarded;  ///< for the pictures' thread to free: that takes milliseconds
     std::size_t frameBytes = 0;
     std::int64_t frameGeneration = 0;  ///< counts how often the pictures made ready became void
     std::int64_t nextFrameLap = 0;
@@ -121,6 +122,7 @@ class PlayerState {
     std::int64_t lastLapAllowed() const { return lap + (goesOnAtEnd() ? 1 : 0); }
     bool wantsFrame() const;
     bool wantsSound() const;
+    bool hasSoundToBegin() const;
     bool isPrerolled() const;
     /// Where to go on at the end of a lap.
     void setLoop(MediaTime loop);

@@ -33,6 +33,7 @@ void Presenter::run() {
         if (state_.stopping)
             break;
         const ClockTime until = nextWake(state_.clock.now());
+        sleepsWithoutFrame_ = state_.running && state_.frames.empty();
         state_.clock.wait(lock, state_.changed, until, [this] { return state_.stopping || hasNews(); });
     }
     lock.unlock();
@@ -41,7 +42,7 @@ void Presenter::run() {
 
 bool Presenter::mayRun() const {
     return state_.rate > 0.0 && !state_.ended && state_.firstFrameDone && !state_.isHopeless() &&
-           (!state_.format || state_.deviceTried);
+           state_.hasSoundToBegin() && (!state_.format || state_.deviceTried);
 }
 
 /// Opens and closes the device as wanted, and drops what it still has of a stream that is over.
@@ -269,7 +270,8 @@ bool Presenter::hasNews() const {
     const bool start = !state_.running && mayRun();
     const bool failed = !state_.firstFrameDone && state_.picturesFailed;
     const bool prerolled = state_.prerollCompletion && (state_.isHopeless() || state_.isPrerolled());
-    return device || stale || start || failed || prerolled || hasDueFrame() || state_.showAgain;
+    const bool replan = sleepsWithoutFrame_ && !state_.frames.empty();
+    return device || stale || start || failed || prerolled || replan || hasDueFrame() || state_.showAgain;
 }
 
 ClockTime Presenter::nextWake(ClockTime now) const {

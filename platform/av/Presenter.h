@@ -46,6 +46,7 @@ class Presenter {
     std::int64_t streamFrom_ = 0;      ///< line position of its first frame
     std::int64_t written_ = 0;         ///< line position of the next frame to be written
     bool dry_ = false;                 ///< in the middle of an underrun
+    bool sleepsWithoutFrame_ = false;  ///< the next picture's time was not known when the sleep began
     ClockTime retryDeviceAt_ = kNoClockTime;
 };
 

@@ -74,13 +74,13 @@ TEST_F(PlayerResourcesTest, twoHundredLapsLeaveMemoryFlat) {
 TEST_F(PlayerResourcesTest, nothingOnTheMainThreadWaitsForMedia) {
     SteadyPlaybackClock real;
     outputs.hasDevice = false;
-    ClockTime worstCall{0};
+    std::vector<ClockTime> calls;
     std::vector<ClockTime> ending;
     const auto timed = [&](const auto& call) {
         const ClockTime began = real.now();
         call();
         const ClockTime took = real.now() - began;
-        worstCall = std::max(worstCall, took);
+        calls.push_back(took);
         return took;
     };
     for (int i = 0; i < 25; ++i) {
@@ -95,15 +95,19 @@ TEST_F(PlayerResourcesTest, nothingOnTheMainThreadWaitsForMedia) {
             timed([&] { k % 3 == 0 ? player->pause() : player->play(); });
             std::this_thread::sleep_for(std::chrono::milliseconds(k % 4));  // somewhere in the threads' work
         }
-        const ClockTime worst = worstCall;
         ending.push_back(timed([&] { player.reset(); }));
-        worstCall = worst;
+        calls.pop_back();
         queue.runAll();
     }
     std::ranges::sort(ending);
-    std::printf("worst call %.2f ms; ending: median %.1f ms, worst %.1f ms\n", worstCall.count() / 1e6,
-                ending[ending.size() / 2].count() / 1e6, ending.back().count() / 1e6);
-    EXPECT_LT(worstCall, 16ms);
+    std::ranges::sort(calls);
+    const ClockTime usual = calls[calls.size() * 99 / 100];
+    std::printf("99 of 100 calls %.2f ms, worst %.2f ms; ending: median %.1f ms, worst %.1f ms\n",
+                usual.count() / 1e6, calls.back().count() / 1e6, ending[ending.size() / 2].count() / 1e6,
+                ending.back().count() / 1e6);
+    // A machine with other work may take the processor away from any thread at any time.
+    EXPECT_LT(usual, 5ms);
+    EXPECT_LT(calls.back(), 100ms);
     EXPECT_LT(ending.back(), 100ms);
 }
 

@@ -283,6 +283,23 @@ TEST_F(PlayerTest, whatCannotBeShownInTimeIsLeftOutAndCounted) {
     EXPECT_EQ(player->statistics().droppedFrames, 20);
 }
 
+TEST_F(PlayerTest, aLapThatWasMissedIsNotMadeUpFor) {
+    outputs.hasDevice = false;
+    open();
+    player->setLoopHint(loopPoint);
+    loop();
+    start();
+    run(1800ms);
+    const auto before = screen->all().size();
+    run(2000ms, 2000ms);
+    EXPECT_EQ(ends, 1);
+    EXPECT_LE(screen->all().size(), before + 2);
+    EXPECT_NEAR(screen->last()->time.seconds(), seconds(), 1.0 / 30 + 0.001);
+    EXPECT_EQ(screen->last()->number, reel.pictureAt(screen->last()->time));
+    run(100ms);
+    EXPECT_NEAR(screen->last()->time.seconds(), seconds(), 1.0 / 30 + 0.001);
+}
+
 TEST_F(PlayerTest, aScreenThatComesLaterGetsThePictureOfNow) {
     open();
     player->setFrameConsumer(nullptr);
