@@ -46,14 +46,20 @@ TEST_F(PlayerResourcesTest, twoHundredPlayersLeaveMemoryFlat) {
         player.reset();
         queue.runAll();
     };
-    for (int i = 0; i < 40; ++i)
-        playOnce();
-    const double before = residentMegabytes();
-    for (int i = 0; i < 200; ++i)
-        playOnce();
-    const double grown = residentMegabytes() - before;
-    std::printf("200 players: %+.1f MB on %.1f MB\n", grown, before);
-    EXPECT_LT(grown, 8.0);
+    // The allocator's own holdings go up and down; what is lost grows in every batch.
+    double least = 1e9;
+    double before = 0.0;
+    for (int batch = 0; batch <= 4; ++batch) {
+        for (int i = 0; i < 50; ++i)
+            playOnce();
+        const double now = residentMegabytes();
+        if (batch > 0)
+            least = std::min(least, now - before);
+        before = now;
+    }
+    std::printf("50 players more: %+.1f MB on %.1f MB\n", least, before);
+    EXPECT_LT(least, 1.0);
+    EXPECT_LT(before, 250.0);
 }
 
 TEST_F(PlayerResourcesTest, twoHundredLapsLeaveMemoryFlat) {
