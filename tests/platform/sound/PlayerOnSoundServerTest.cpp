@@ -142,7 +142,7 @@ TEST(PlayerOnSoundServer, lapsFollowOneAnotherToTheSampleInWhatTheDevicePlays) {
                 << "lap " << i << " sample " << n;
 }
 
-TEST(PlayerOnSoundServer, aServerThatDiesIsFollowedByTheSteadyClockAndComesBack) {
+TEST(PlayerOnSoundServer, timeGoesOnWhenTheServerDiesAndWhenItIsBack) {
     QtMainQueue queue;
     SteadyPlaybackClock clock;
     QtAudioOutputFactory outputs;
