@@ -36,8 +36,10 @@ QPalette panelPalette() {
 
 }  // namespace
 
-ViewController::ViewController()
-    : recognizers_(makeInstalledSpeechEngines()),
+ViewController::ViewController() : ViewController(makeInstalledSpeechEngines()) {}
+
+ViewController::ViewController(std::unique_ptr<SpeechRecognizerRegistry> recognizers)
+    : recognizers_(std::move(recognizers)),
       filePanels_(panelPalette()),
       frame_(settings_, isCompositorRunning) {}
 

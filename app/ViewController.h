@@ -23,7 +23,9 @@ namespace korvane {
 class ViewController : public QObject {
     Q_OBJECT
   public:
+    /// With the recognisers that are installed.
     ViewController();
+    explicit ViewController(std::unique_ptr<SpeechRecognizerRegistry> recognizers);
     ~ViewController() override;
 
     /// Makes the screen, filling the window from edge to edge. The window isn't visible yet.

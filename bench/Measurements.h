@@ -27,5 +27,7 @@ void measureMinuteMemory(const Setting& setting, Report& report);
 void measureRecognition(const Setting& setting, Report& report, int minutes);
 /// The token area with 5,000 words against as many tokens at once.
 void measureTokens(const Setting& setting, Report& report);
+/// The real window: start, sliders, the main thread in every step of the work, font menu.
+void measureWindow(const Setting& setting, Report& report);
 
 }  // namespace korvane::bench

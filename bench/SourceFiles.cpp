@@ -110,4 +110,13 @@ std::filesystem::path SourceFiles::speech(int minutes) const {
     });
 }
 
+std::filesystem::path SourceFiles::spokenVideo(int minutes) const {
+    return madeOnce(folder_ / ("spoken-" + std::to_string(minutes) + ".mp4"),
+                    [&](const std::string& destination) {
+                        runChild({"ffmpeg", "-v", "error", "-y", "-f", "lavfi", "-i",
+                                  "color=navy:s=1280x720:r=30", "-i", speech(minutes).string(), "-shortest",
+                                  "-c:v", "libx264", "-preset", "ultrafast", "-c:a", "copy", destination});
+                    });
+}
+
 }  // namespace korvane::bench

@@ -17,6 +17,8 @@ class SourceFiles {
     std::filesystem::path video(int minutes) const;
     /// An M4A file of synthetic English.
     std::filesystem::path speech(int minutes) const;
+    /// The same sound behind a still picture, as an MP4 file.
+    std::filesystem::path spokenVideo(int minutes) const;
 
     const std::filesystem::path& folder() const { return folder_; }
 

@@ -1,0 +1,20 @@
+// What korvane-bench-window can do; each job prints what it measured.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace korvane::bench {
+
+/// Milliseconds from `startNs` of the steady clock to the first frame, of the program that people start.
+int measureStart(std::int64_t startNs, int& argc, char** argv);
+/// Size and vertical position dragged, a move each frame.
+void measureDragging();
+/// A video loaded and transcribed by the installed recogniser, stopped once, then to the end.
+void measureTranscription(const std::string& video);
+/// So many words come at once; then all, none, toggling, resizing.
+void measureWords(const std::string& video, int words);
+/// The font menu opened, scrolled and searched, and families with many weights chosen.
+void measureFontMenu();
+
+}  // namespace korvane::bench
