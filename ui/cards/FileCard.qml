@@ -16,6 +16,9 @@ GlassCard {
     signal transcribeRequested
     signal stopRequested
 
+    // Who takes the keyboard when Stop goes: what came of it, or nothing, and Transcribe has it again.
+    property Item successor: null
+
     // Transcribe and Stop take turns, and the keyboard goes with them: who started by key stops by key.
     property bool byKeys: false
 
@@ -24,7 +27,7 @@ GlassCard {
         if (stopVisible && transcribe.focus)
             stop.forceActiveFocus(reason);
         else if (!stopVisible && stop.focus)
-            transcribe.forceActiveFocus(reason);
+            (successor ?? transcribe).forceActiveFocus(reason);
     }
 
     onStopVisibleChanged: later.start()

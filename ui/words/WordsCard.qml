@@ -17,6 +17,14 @@ GlassCard {
     signal allChosen
     signal noneChosen
 
+    /// What takes the keyboard: the words, none while there are none.
+    readonly property Item keyboardTarget: hasWords ? area.flow : null
+
+    // A click beside the words is meant for them.
+    TapHandler {
+        enabled: card.hasWords
+        onTapped: area.flow.forceActiveFocus(Qt.MouseFocusReason)
+    }
     Item {
         id: header
         anchors.top: parent.top
@@ -92,7 +100,7 @@ GlassCard {
         Column {
             objectName: "empty"
             anchors.centerIn: parent
-            visible: !card.hasWords
+            visible: !card.hasWords && body.height >= height
             spacing: 10
 
             Icon {
