@@ -26,8 +26,10 @@ GlassCard {
         const reason = byKeys ? Qt.TabFocusReason : Qt.OtherFocusReason;
         if (stopVisible && transcribe.focus)
             stop.forceActiveFocus(reason);
+        else if (!stopVisible && stop.focus && successor)
+            successor.forceActiveFocus(reason);
         else if (!stopVisible && stop.focus)
-            (successor ?? transcribe).forceActiveFocus(reason);
+            transcribe.forceActiveFocus(reason);
     }
 
     onStopVisibleChanged: later.start()
