@@ -93,6 +93,19 @@ class Words(Tree):
                 self.assertIn("a.cpp:2: ", result.stdout)
 
 
+    def test_what_python_makes_is_found_once_git_keeps_it(self):
+        subprocess.run(["git", "init", "-q", self.root], check=True)
+        for name in ("tests/__pycache__/a.cpython-311.pyc", "tests/b.pyc", "tests/__pycache__/notes"):
+            with self.subTest(name=name):
+                self.put(name, "made")
+                self.assertEqual(self.run_check("check_words").returncode, 0)
+                subprocess.run(["git", "-C", self.root, "add", "-f", name], check=True)
+                result = self.run_check("check_words")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(f"{name}: made anew by Python", result.stdout)
+                subprocess.run(["git", "-C", self.root, "rm", "-q", "--cached", name], check=True)
+
+
 class Awaits(Tree):
     def result_of(self, statement: str) -> subprocess.CompletedProcess:
         self.put("app/A.cpp", f"MainTask f() {{\n{statement}\n}}\n")
