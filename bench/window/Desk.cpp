@@ -96,12 +96,13 @@ void Desk::turnWheel(QPointF where, int eighthsOfDegree) {
 
 void Desk::until(const std::function<bool()>& done, int limitSeconds) {
     const QDeadlineTimer limit(limitSeconds * 1000LL);
-    while (!done()) {
+    // At least one turn: a hand that is late must not keep the window from answering. The watchdog's
+    // questions wake the loop up each millisecond.
+    do {
         if (limit.hasExpired())
             throw std::runtime_error("the screen does not get there");
-        // The watchdog's questions wake it up each millisecond.
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    }
+    } while (!done());
 }
 
 void Desk::runFor(int milliseconds) {
