@@ -16,9 +16,7 @@ T.AbstractButton {
     implicitHeight: Math.ceil(implicitContentHeight)
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
-    font.family: Theme.fontFamily
-    font.pixelSize: size
-    font.weight: weight
+    font: Theme.font(size, weight)
     opacity: !enabled ? 0.4 : pressed ? 0.7 : 1
 
     Accessible.role: Accessible.Button

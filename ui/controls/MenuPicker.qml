@@ -16,10 +16,7 @@ KeyFocusItem {
     property string name: ""
     property string text: menuChoices.labels.length > 0 ? menuChoices.at(currentIndex) : ""
     property real size: 12
-    property font font: Qt.font({
-        family: Theme.fontFamily,
-        pixelSize: size
-    })
+    property font font: Theme.font(size)
     readonly property alias opened: menu.visible
     signal picked(index: int)
 

@@ -25,9 +25,7 @@ T.Button {
     implicitHeight: Math.ceil(implicitContentHeight) + topPadding + bottomPadding
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
-    font.family: Theme.fontFamily
-    font.pixelSize: 13
-    font.weight: Font.DemiBold
+    font: Theme.font(13, Font.DemiBold)
 
     Accessible.role: Accessible.Button
     Accessible.name: name.length > 0 ? name : text

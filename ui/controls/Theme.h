@@ -24,7 +24,6 @@ class Theme : public QObject {
     Q_PROPERTY(QColor cardFill READ cardFill CONSTANT)
     Q_PROPERTY(QColor orange READ orange CONSTANT)
     Q_PROPERTY(QColor popupFill READ popupFill CONSTANT)
-    Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT)
     Q_PROPERTY(qreal cardRadius MEMBER cardRadius CONSTANT)
     Q_PROPERTY(qreal controlRadius MEMBER controlRadius CONSTANT)
     Q_PROPERTY(qreal controlHeight MEMBER controlHeight CONSTANT)
@@ -45,8 +44,13 @@ class Theme : public QObject {
     static QColor orange() { return QColor::fromRgbF(1.0F, 0.62F, 0.04F); }
     /// The opaque ground of menus, tool tips and choosers, which lie above cards.
     static QColor popupFill() { return QColor::fromRgbF(0.1F, 0.145F, 0.255F); }
-    /// The application's font, which controls from templates do not take by themselves.
-    static QString fontFamily() { return QGuiApplication::font().family(); }
+    /// The application's font with all its families, which controls from templates do not take by themselves.
+    Q_INVOKABLE static QFont font(int pixelSize, int weight = QFont::Normal) {
+        QFont font = QGuiApplication::font();
+        font.setPixelSize(pixelSize);
+        font.setWeight(static_cast<QFont::Weight>(weight));
+        return font;
+    }
     /// White at an opacity, which is how everything faint on this screen is drawn.
     Q_INVOKABLE static QColor white(qreal opacity) {
         return QColor::fromRgbF(1.0F, 1.0F, 1.0F, static_cast<float>(opacity));

@@ -1,4 +1,5 @@
-// A colour as people write it to each other. What is no colour is marked and not taken.
+// A colour as people write it to each other. What is no colour is marked and not taken. Six digits are taken as they are
+// typed; three, which may be half of six, by Return or Tab.
 import QtQuick
 import QtQuick.Templates as T
 import Korvane.Controls
@@ -15,8 +16,7 @@ T.TextField {
     leftPadding: 9
     rightPadding: 9
     verticalAlignment: TextInput.AlignVCenter
-    font.family: Theme.fontFamily
-    font.pixelSize: 12
+    font: Theme.font(12)
     color: "white"
     selectionColor: Theme.accent
     selectedTextColor: "white"
@@ -24,8 +24,8 @@ T.TextField {
     maximumLength: 16
     renderType: Text.NativeRendering
 
-    Accessible.name: qsTr("Hex color")
-    Accessible.description: wrong ? qsTr("Not a color") : ""
+    Accessible.name: "Hex color"
+    Accessible.description: wrong ? "Not a color" : ""
 
     function showState() {
         text = choice.hexText
@@ -34,6 +34,11 @@ T.TextField {
     function take(): bool {
         wrong = !choice.pickHex(text)
         return !wrong
+    }
+
+    function leave(event: KeyEvent) {
+        take()
+        event.accepted = false
     }
 
     Component.onCompleted: showState()
@@ -46,9 +51,10 @@ T.TextField {
     onActiveFocusChanged: {
         if (activeFocus)
             return selectAll()
-        take()
         showState()
     }
+    Keys.onTabPressed: event => leave(event)
+    Keys.onBacktabPressed: event => leave(event)
     Connections {
         target: entry.choice
         function onColorChanged() {

@@ -12,8 +12,7 @@ T.TextField {
     leftPadding: 28
     rightPadding: 9
     verticalAlignment: TextInput.AlignVCenter
-    font.family: Theme.fontFamily
-    font.pixelSize: 12
+    font: Theme.font(12)
     color: "white"
     selectionColor: Theme.accent
     selectedTextColor: "white"
