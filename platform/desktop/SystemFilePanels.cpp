@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QMimeDatabase>
 #include <QPushButton>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QStyleFactory>
 #include <QTreeView>
@@ -117,6 +118,9 @@ std::optional<std::filesystem::path> SystemFilePanels::run(const Request& reques
     // Set as late as this, because a style takes time to make and the window itself has none.
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(palette_);
+    // The toolkit's panel would write down for good which folders the person was in. Below what is no folder
+    // nothing can be written, and the program keeps no other settings by the toolkit's means.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     QFileDialog dialog;
     dialog.setDirectory(startFolder());
     dialog.setSidebarUrls(places());

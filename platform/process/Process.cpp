@@ -14,11 +14,15 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace korvane {
 namespace {
 
 constexpr const char* runtimeVariable = "XDG_RUNTIME_DIR";
+
+/// The folder lent at present; empty: none. A process has one environment, hence one such folder.
+std::string lentFolder;
 
 void fillStandardStreams() {
     for (int number = 0; number <= 2; ++number)
@@ -74,16 +78,20 @@ BorrowedRuntimeFolder::BorrowedRuntimeFolder() {
     std::string pattern = (temporary / "korvane-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr)
         return;
-    folder_ = pattern;
-    setenv(runtimeVariable, folder_.c_str(), 1);
+    lentFolder = pattern;
+    setenv(runtimeVariable, lentFolder.c_str(), 1);
 }
 
 BorrowedRuntimeFolder::~BorrowedRuntimeFolder() {
-    if (folder_.empty())
+    giveBack();
+}
+
+void BorrowedRuntimeFolder::giveBack() {
+    if (lentFolder.empty())
         return;
     unsetenv(runtimeVariable);
     std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    std::filesystem::remove_all(std::exchange(lentFolder, {}), ignored);
 }
 
 }  // namespace korvane

@@ -1,8 +1,6 @@
 // How the process itself is set up before anything else runs.
 #pragma once
 
-#include <string>
-
 namespace korvane {
 
 /// Call first in main, before there are threads or an application object: missing standard streams lead
@@ -15,7 +13,7 @@ void prepareProcess();
 void settleLocale();
 
 /// While an application object that draws is made, Qt looks into the session's folder, and without one leaves
-/// a folder of its own in the temporary folder for good. This lends it one for the time being.
+/// a folder of its own in the temporary folder for good. This lends it one for the time being. One at a time.
 class BorrowedRuntimeFolder {
   public:
     BorrowedRuntimeFolder();
@@ -23,8 +21,9 @@ class BorrowedRuntimeFolder {
     BorrowedRuntimeFolder(const BorrowedRuntimeFolder&) = delete;
     BorrowedRuntimeFolder& operator=(const BorrowedRuntimeFolder&) = delete;
 
-  private:
-    std::string folder_;  ///< empty: the session has its own, or none can be made
+    /// For whoever ends or replaces the process without a return to main. Does nothing when nothing is lent:
+    /// the session has its own folder, or none could be made. Main thread.
+    static void giveBack();
 };
 
 }  // namespace korvane

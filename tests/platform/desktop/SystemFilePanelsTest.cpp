@@ -6,6 +6,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <fstream>
@@ -107,6 +108,18 @@ TEST_F(RunningPanels, cancellingGivesNothing) {
     EXPECT_EQ(panels.runOpenPanel(openRequest), std::nullopt);
     whenPanelStands([](QFileDialog& dialog) { dialog.reject(); });
     EXPECT_EQ(panels.runSavePanel(saveRequest), std::nullopt);
+}
+
+TEST_F(RunningPanels, nothingIsWrittenDownForAnotherDay) {
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    QFile::remove(config + QStringLiteral("/QtProject.conf"));
+    whenPanelStands([&](QFileDialog& dialog) {
+        dialog.setDirectory(folder.path());
+        dialog.findChild<QLineEdit*>()->setText(QStringLiteral("a clip ä.mp4"));
+        QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    ASSERT_TRUE(panels.runOpenPanel(openRequest));
+    EXPECT_FALSE(QFile::exists(config + QStringLiteral("/QtProject.conf")));
 }
 
 TEST_F(RunningPanels, aNameWithoutSuffixGetsTheUsualOne) {
