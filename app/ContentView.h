@@ -149,8 +149,10 @@ class ContentView : public QObject {
     Q_INVOKABLE void openFilePicker();
     /// As if the panel had returned the file; one that is no video is refused by an error message only.
     Q_INVOKABLE void openDroppedFile(const QUrl& url);
-    /// Whether something dropped gets an answer: any local file, also one that will be refused aloud.
-    Q_INVOKABLE bool acceptsDrop(const QUrl& url) const;
+    /// What was dropped together: one file is opened, several are refused by an error message only.
+    Q_INVOKABLE void openDroppedFiles(const QList<QUrl>& urls);
+    /// Whether something dropped gets an answer: any local file, also those that will be refused aloud.
+    Q_INVOKABLE bool acceptsDrop(const QList<QUrl>& urls) const;
     Q_INVOKABLE void startTranscription();
     /// Requests the end and returns; "Cancelled" comes when the services have let go.
     Q_INVOKABLE void stopTranscription();

@@ -1,5 +1,5 @@
-// Ground that moves the window. It lies below everything that reacts to the pointer, so that a control is never
-// mistaken for it.
+// Ground that moves the window. It lies below everything that reacts to the pointer, and the frame leaves out what is
+// switched off, so that a control is never mistaken for it.
 import QtQuick
 import Korvane.App
 

@@ -8,10 +8,10 @@ DropArea {
 
     required property ContentView view
 
-    onEntered: drag => drag.accepted = drag.hasUrls && drag.urls.length === 1 && area.view.acceptsDrop(drag.urls[0])
+    onEntered: drag => drag.accepted = drag.hasUrls && area.view.acceptsDrop(drag.urls)
     onDropped: drop => {
         drop.accept(Qt.CopyAction);
-        area.view.openDroppedFile(drop.urls[0]);
+        area.view.openDroppedFiles(drop.urls);
     }
 
     Rectangle {
@@ -27,7 +27,7 @@ DropArea {
 
         Text {
             anchors.centerIn: parent
-            text: qsTr("Drop the video to load it")
+            text: "Drop the video to load it"
             font.pixelSize: 20
             font.weight: Font.DemiBold
             color: Theme.white(0.95)

@@ -1,6 +1,7 @@
 // How a video gets onto the screen: chosen in the panel or dropped.
 #include <QFile>
 #include <QPointer>
+#include <algorithm>
 #include <utility>
 
 #include "app/ContentView.h"
@@ -22,8 +23,18 @@ void ContentView::openFilePicker() {
         loadVideo(*chosen);
 }
 
-bool ContentView::acceptsDrop(const QUrl& url) const {
-    return !isAnyActive() && url.isLocalFile();
+bool ContentView::acceptsDrop(const QList<QUrl>& urls) const {
+    return !isAnyActive() && std::ranges::any_of(urls, &QUrl::isLocalFile);
+}
+
+void ContentView::openDroppedFiles(const QList<QUrl>& urls) {
+    if (isAnyActive())
+        return;
+    if (urls.size() != 1) {
+        setErrorMessage(severalFilesSentence());
+        return;
+    }
+    openDroppedFile(urls.front());
 }
 
 void ContentView::openDroppedFile(const QUrl& url) {

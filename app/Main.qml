@@ -24,16 +24,17 @@ Window {
         anchors.fill: parent
         frame: window.frame
     }
-    TitleStrip {
-        id: strip
-        width: parent.width
-        frame: window.frame
-    }
+    // Before the strip, so that the keyboard comes to the content first and to the title buttons last.
     Screen {
         anchors.fill: parent
         anchors.margins: Theme.gap
         anchors.topMargin: strip.height
         view: window.view
+    }
+    TitleStrip {
+        id: strip
+        width: parent.width
+        frame: window.frame
     }
     // Sets the window off from dark neighbours, which a desktop's frame would do.
     Rectangle {

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "platform/process/ExitCode.h"
+#include "platform/process/Process.h"
 
 namespace korvane {
 namespace {
@@ -14,7 +15,8 @@ namespace {
 constexpr const char* backendVariable = "QT_QUICK_BACKEND";
 
 void startAnewWithSoftware(char** arguments) {
-    if (qgetenv(backendVariable) != "software") {
+    BorrowedRuntimeFolder::giveBack();
+    if (canFallBack(qgetenv(backendVariable))) {
         qputenv(backendVariable, "software");
         execv("/proc/self/exe", arguments);
     }
@@ -23,6 +25,10 @@ void startAnewWithSoftware(char** arguments) {
 }
 
 }  // namespace
+
+bool canFallBack(const QByteArray& backend) {
+    return backend != "software";
+}
 
 void fallBackToSoftwareRendering(QQuickWindow& window, char** arguments) {
     // Having a listener also keeps the toolkit from ending the process by itself. The signal may come from

@@ -12,29 +12,20 @@ T.Button {
     required property string button
 
     readonly property bool closes: button === "close"
-    readonly property bool restores: button === "maximize" && frame.isMaximized
-    readonly property string label: closes ? qsTr("Close") : button === "minimize" ? qsTr("Minimise")
-                                                            : restores ? qsTr("Restore") : qsTr("Maximise")
-
-    function act() {
-        if (closes)
-            frame.close();
-        else if (button === "minimize")
-            frame.minimize();
-        else
-            frame.toggleMaximized();
-    }
+    readonly property string label: frame.buttonLabel(button, frame.isMaximized)
 
     implicitWidth: 34
     implicitHeight: 36
     // A click on the window's own buttons leaves the keyboard where it is.
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
-    onClicked: act()
+    onClicked: frame.pressButton(button)
 
     Accessible.role: Accessible.Button
     Accessible.name: label
-    Accessible.onPressAction: act()
+    Accessible.onPressAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         Rectangle {
@@ -49,7 +40,7 @@ T.Button {
         }
         Icon {
             anchors.centerIn: parent
-            name: control.closes ? "xmark" : control.button === "minimize" ? "minus" : control.restores ? "square.on.square" : "square"
+            name: control.frame.buttonIcon(control.button, control.frame.isMaximized)
             size: 12
             color: Theme.white(control.hovered || control.visualFocus ? 1 : control.frame.isActive ? 0.72 : 0.4)
         }

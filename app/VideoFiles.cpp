@@ -39,11 +39,11 @@ QString reason(const QUrl& url) {
         return QStringLiteral(" is not there any more: choose the video where it lies now.");
     if (!std::filesystem::exists(status))
         return QStringLiteral(
-            " can't be reached: check the permissions of its folder, or choose a copy of it.");
+            " can’t be reached: check the permissions of its folder, or choose a copy of it.");
     if (status.type() != std::filesystem::file_type::regular)
         return QStringLiteral(" is not a file: choose a single MP4 or QuickTime video.");
     if (!canBeRead(path))
-        return QStringLiteral(" can't be read: change its permissions, or choose a copy of it.");
+        return QStringLiteral(" can’t be read: change its permissions, or choose a copy of it.");
     if (!isVideoType(QMimeDatabase().mimeTypeForFile(path)))
         return QStringLiteral(" is not an MP4 or QuickTime video: choose a file that ends in .mp4 or .mov.");
     return {};
@@ -62,6 +62,10 @@ std::optional<std::string> reasonAgainstVideo(const QUrl& url) {
     if (text.isEmpty())
         return std::nullopt;
     return (quotedNameOf(url) + text).toStdString();
+}
+
+std::string severalFilesSentence() {
+    return "One video is loaded at a time: drop a single file.";
 }
 
 }  // namespace korvane

@@ -18,4 +18,7 @@ const std::vector<PanelFileType>& videoFileTypes();
 /// \return one sentence that names the file and says what helps.
 std::optional<std::string> reasonAgainstVideo(const QUrl& url);
 
+/// Why several files dropped together are not taken, and what helps.
+std::string severalFilesSentence();
+
 }  // namespace korvane

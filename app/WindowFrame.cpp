@@ -2,7 +2,10 @@
 
 #include <QGuiApplication>
 #include <QLineF>
+#include <QQuickItem>
+#include <QQuickWindow>
 #include <QScreen>
+#include <algorithm>
 #include <utility>
 
 #include "app/WindowGeometry.h"
@@ -24,6 +27,23 @@ QString nameOf(TitleButton button) {
             return QStringLiteral("maximize");
     }
     return {};
+}
+
+/// \param point  in the item's own points.
+bool hasDisabledAt(const QQuickItem& item, const QPointF& point) {
+    if (!item.isVisible() || (item.clip() && !item.contains(point)))
+        return false;
+    if (!item.isEnabled() && item.contains(point))
+        return true;
+    const auto children = item.childItems();
+    return std::ranges::any_of(
+        children, [&](const auto* child) { return hasDisabledAt(*child, child->mapFromItem(&item, point)); });
+}
+
+/// Controls that are switched off let the pointer through to the ground.
+bool isOnDisabledItem(QWindow* window, const QPointF& pointer) {
+    const auto* scene = qobject_cast<QQuickWindow*>(window);
+    return scene && hasDisabledAt(*scene->contentItem(), scene->mapFromGlobal(pointer));
 }
 
 QSize availableSize() {
@@ -48,9 +68,15 @@ void WindowFrame::setWindow(QWindow* window) {
          {&QWindow::widthChanged, &QWindow::heightChanged, &QWindow::xChanged, &QWindow::yChanged})
         connect(window, signal, this, &WindowFrame::updateShape);
     connect(window, &QWindow::windowStateChanged, this, &WindowFrame::updateShape);
-    // Whoever turns the compositor on or off comes back to the window afterwards.
-    connect(window, &QWindow::activeChanged, this, &WindowFrame::updateShape);
-    connect(window, &QWindow::visibleChanged, this, &WindowFrame::updateShape);
+    // Whoever turns the compositor on or off comes back to the window afterwards. Asking takes round trips to
+    // the display, too long for each step of a move.
+    connect(window, &QWindow::activeChanged, this, &WindowFrame::askForCompositor);
+    connect(window, &QWindow::visibleChanged, this, &WindowFrame::askForCompositor);
+    askForCompositor();
+}
+
+void WindowFrame::askForCompositor() {
+    isBlended_ = hasCompositor_();
     updateShape();
 }
 
@@ -58,7 +84,7 @@ void WindowFrame::updateShape() {
     const QScreen* screen = window_ ? window_->screen() : nullptr;
     const bool isSquare = !canResize() ||
                           (screen && looksTiled(window_->geometry(), screen->availableGeometry())) ||
-                          !hasCompositor_();
+                          !isBlended_;
     cornerRadius_ = isSquare ? 0 : roundCorner;
     Q_EMIT shapeChanged();
 }
@@ -86,6 +112,31 @@ QSize WindowFrame::minimumSize() const {
     return fittedSize(smallestSize, availableSize());
 }
 
+QString WindowFrame::buttonLabel(const QString& button, bool isMaximized) {
+    if (button == nameOf(TitleButton::close))
+        return QStringLiteral("Close");
+    if (button == nameOf(TitleButton::minimize))
+        return QStringLiteral("Minimize");
+    return isMaximized ? QStringLiteral("Restore") : QStringLiteral("Maximize");
+}
+
+QString WindowFrame::buttonIcon(const QString& button, bool isMaximized) {
+    if (button == nameOf(TitleButton::close))
+        return QStringLiteral("xmark");
+    if (button == nameOf(TitleButton::minimize))
+        return QStringLiteral("minus");
+    return isMaximized ? QStringLiteral("square.on.square") : QStringLiteral("square");
+}
+
+void WindowFrame::pressButton(const QString& button) {
+    if (button == nameOf(TitleButton::close))
+        close();
+    else if (button == nameOf(TitleButton::minimize))
+        minimize();
+    else
+        toggleMaximized();
+}
+
 void WindowFrame::close() {
     if (window_)
         window_->close();
@@ -107,7 +158,7 @@ void WindowFrame::toggleFullScreen() {
 }
 
 void WindowFrame::pressGround(const QPointF& pointer) {
-    if (window_ && !isFullScreen())
+    if (window_ && !isFullScreen() && !isOnDisabledItem(window_, pointer))
         hold_ = Hold{pointer, window_->geometry(), {}};
 }
 

@@ -31,7 +31,7 @@ class WindowFrame : public QObject {
     Q_PROPERTY(QSize minimumSize READ minimumSize CONSTANT)
 
   public:
-    /// \param hasCompositor  asked anew whenever the window may look different.
+    /// \param hasCompositor  asked anew whenever the window is shown, entered or left.
     WindowFrame(DesktopSettings& settings, std::function<bool()> hasCompositor);
 
     /// Takes the window and its frame: from now on it stands without one.
@@ -47,6 +47,12 @@ class WindowFrame : public QObject {
     QSize startSize() const;
     QSize minimumSize() const;
 
+    // The title buttons by the names of `buttons`. \param isMaximized  whether the window is.
+    Q_INVOKABLE static QString buttonLabel(const QString& button, bool isMaximized);
+    /// The name of its sign.
+    Q_INVOKABLE static QString buttonIcon(const QString& button, bool isMaximized);
+    Q_INVOKABLE void pressButton(const QString& button);
+
     Q_INVOKABLE void close();
     Q_INVOKABLE void minimize();
     Q_INVOKABLE void toggleMaximized();
@@ -54,7 +60,8 @@ class WindowFrame : public QObject {
 
     // The pointer, in points of the whole desktop. Where the desktop can't move windows by itself (there is
     // no window manager), the window follows the pointer by our own doing.
-    /// On the ground of the window: moves it once the pointer has gone some way.
+    /// On the ground of the window: moves it once the pointer has gone some way. Where a control that is
+    /// switched off lies above the ground, nothing.
     Q_INVOKABLE void pressGround(const QPointF& pointer);
     Q_INVOKABLE void pressEdge(Qt::Edges edges, const QPointF& pointer);
     Q_INVOKABLE void movePointer(const QPointF& pointer);
@@ -72,6 +79,7 @@ class WindowFrame : public QObject {
         bool isOurDoing = false;  ///< the desktop left it to us
     };
 
+    void askForCompositor();
     void updateShape();
     void follow(const QPointF& pointer);
 
@@ -79,6 +87,7 @@ class WindowFrame : public QObject {
     std::function<bool()> hasCompositor_;
     QPointer<QWindow> window_;
     std::optional<Hold> hold_;
+    bool isBlended_ = false;
     qreal cornerRadius_ = 0;
 };
 

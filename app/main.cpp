@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <QApplication>
-#include <QFont>
 #include <QTimer>
 #include <cstdio>
 #include <string_view>
@@ -11,6 +10,7 @@
 #include "app/SoftwareRendering.h"
 #include "app/StartOptions.h"
 #include "app/ViewController.h"
+#include "app/WindowFont.h"
 #include "app/WindowIcon.h"
 #include "platform/desktop/Display.h"
 #include "platform/process/ExitCode.h"
@@ -37,15 +37,14 @@ void explainAndLeave(QtMsgType type, const QMessageLogContext&, const QString&) 
     if (type != QtFatalMsg)
         return;
     failedWith("The window can't be opened on this display; korvane-cli does without one.", ExitCode::failed);
+    BorrowedRuntimeFolder::giveBack();
     _exit(ended(ExitCode::failed));
 }
 
-/// The first family that is installed draws a letter; the next ones draw what it lacks.
-void chooseFont() {
-    QFont font = QApplication::font();
-    font.setFamilies(QStringList{QStringLiteral("Inter")} + font.families() +
-                     QStringList{QStringLiteral("Noto Color Emoji")});
-    QApplication::setFont(font);
+/// Who asks twice doesn't want to wait for what is still being stopped.
+void stopAtOnce() {
+    BorrowedRuntimeFolder::giveBack();
+    _exit(ended(ExitCode::stopped));
 }
 
 ExitCode showWindow(const StartOptions& options, char** arguments) {
@@ -57,9 +56,8 @@ ExitCode showWindow(const StartOptions& options, char** arguments) {
     if (options.video)
         controller.openVideo(*options.video);
 
-    // Who asks twice doesn't want to wait for what is still being stopped.
-    const StopSignals signals(
-        [](int count) { count == 1 ? QApplication::quit() : _exit(ended(ExitCode::stopped)); });
+    // Not quit(): that asks the window, which may ask a person, and whoever sends signals waits for nobody.
+    const StopSignals signals([](int count) { count == 1 ? QApplication::exit() : stopAtOnce(); });
     QTimer::singleShot(0, [&delegate] { delegate.applicationDidFinishLaunching(); });
     QObject::connect(qApp, &QApplication::aboutToQuit, [&delegate] { delegate.applicationWillTerminate(); });
     controller.window()->show();
@@ -82,7 +80,7 @@ ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("korvane"));
     QApplication::setDesktopFileName(QStringLiteral("korvane"));
     QApplication::setWindowIcon(windowIcon());
-    chooseFont();
+    QApplication::setFont(windowFont());
     return showWindow(options, argv);
 }
 

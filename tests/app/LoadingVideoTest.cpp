@@ -154,16 +154,29 @@ TEST_F(LoadingVideo, nothingHappensWhileAnOperationRuns) {
         EXPECT_TRUE(panels_.requests.empty());
         EXPECT_FALSE(view().hasVideo());
         EXPECT_FALSE(view().hasError());
-        EXPECT_FALSE(view().acceptsDrop(urlOf(clip_)));
+        view().openDroppedFiles({urlOf(clip_), urlOf("gone.mp4")});
+        EXPECT_FALSE(view().hasError());
+        EXPECT_FALSE(view().acceptsDrop({urlOf(clip_)}));
         (p.*set)(false);
     }
 }
 
 TEST_F(LoadingVideo, anyLocalFileMayBeDroppedSoThatItGetsAnAnswer) {
-    EXPECT_TRUE(view().acceptsDrop(urlOf(clip_)));
-    EXPECT_TRUE(view().acceptsDrop(urlOf(folder_.path() / "notes.txt")));
-    EXPECT_FALSE(view().acceptsDrop(QUrl(QStringLiteral("https://example.com/clip.mp4"))));
-    EXPECT_FALSE(view().acceptsDrop(QUrl()));
+    EXPECT_TRUE(view().acceptsDrop({urlOf(clip_)}));
+    EXPECT_TRUE(view().acceptsDrop({urlOf(folder_.path() / "notes.txt")}));
+    EXPECT_TRUE(view().acceptsDrop({urlOf(clip_), urlOf(folder_.path() / "notes.txt")}));
+    EXPECT_FALSE(view().acceptsDrop({QUrl(QStringLiteral("https://example.com/clip.mp4"))}));
+    EXPECT_FALSE(view().acceptsDrop({QUrl()}));
+    EXPECT_FALSE(view().acceptsDrop({}));
+}
+
+TEST_F(LoadingVideo, severalFilesAtOnceAreRefusedAloudAndChangeNothing) {
+    finishATranscription();
+    view().openDroppedFiles({urlOf(clip_), urlOf(clip_)});
+    EXPECT_EQ(log_, std::vector<std::string>{"error One video is loaded at a time: drop a single file."});
+    view().openDroppedFiles({urlOf(clip_)});
+    EXPECT_EQ(view().selectedURL(), clip_);
+    EXPECT_FALSE(view().hasError());
 }
 
 TEST_F(LoadingVideo, aSecondPanelDoesNotOpenOverTheFirst) {
@@ -206,7 +219,7 @@ TEST_F(LoadingVideoDeathTest, aFileThatMayNotBeReadIsRefused) {
     fs::permissions(folder_.path(), fs::perms(0755));
     fs::permissions(clip_, fs::perms::none);
     EXPECT_EXIT(tellWhetherRefused(urlOf(clip_)), testing::ExitedWithCode(0),
-                "“clip.mp4” can't be read: change its permissions, or choose a copy of it.");
+                "“clip.mp4” can’t be read: change its permissions, or choose a copy of it.");
 }
 
 TEST_F(LoadingVideoDeathTest, aFileInAFolderThatMayNotBeEnteredIsRefused) {
@@ -215,7 +228,7 @@ TEST_F(LoadingVideoDeathTest, aFileInAFolderThatMayNotBeEnteredIsRefused) {
     folder_.file("closed/clip.mp4", "a clip");
     std::filesystem::permissions(closed.parent_path(), std::filesystem::perms::none);
     EXPECT_EXIT(tellWhetherRefused(urlOf(closed)), testing::ExitedWithCode(0),
-                "“clip.mp4” can't be reached: check the permissions of its folder, or choose a copy of it.");
+                "“clip.mp4” can’t be reached: check the permissions of its folder, or choose a copy of it.");
     std::filesystem::permissions(closed.parent_path(), std::filesystem::perms::owner_all);
 }
 

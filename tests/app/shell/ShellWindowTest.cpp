@@ -1,13 +1,19 @@
 // The whole window as the program makes it, without a display.
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QDialog>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QPalette>
 #include <QQuickItem>
 #include <QQuickItemGrabResult>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <fstream>
+#include <functional>
+#include <utility>
 
 #include "app/AppDelegate.h"
 #include "app/ViewController.h"
@@ -28,13 +34,26 @@ class ShellWindow : public testing::Test {
 
     /// What answers to a name, as for people who hear the screen.
     QQuickItem* named(const char* accessibleName) const {
-        return find(window->contentItem(), QLatin1String(accessibleName));
+        return firstWhere(window->contentItem(), [=](QQuickItem* item) {
+            return item->property("label").toString() == QLatin1String(accessibleName);
+        });
     }
-    static QQuickItem* find(QQuickItem* item, QLatin1String label) {
-        if (item->property("label").toString() == label)
+    /// The first item of a type, whose name has the beginning given.
+    QQuickItem* ofType(const char* beginning) const {
+        return firstWhere(window->contentItem(), [=](QQuickItem* item) {
+            return QByteArrayView(item->metaObject()->className()).contains(beginning);
+        });
+    }
+    QQuickItem* saying(const char* text) const {
+        return firstWhere(window->contentItem(), [=](QQuickItem* item) {
+            return item->property("text").toString() == QLatin1String(text);
+        });
+    }
+    static QQuickItem* firstWhere(QQuickItem* item, const std::function<bool(QQuickItem*)>& isIt) {
+        if (isIt(item))
             return item;
         for (auto* child : item->childItems())
-            if (auto* found = find(child, label))
+            if (auto* found = firstWhere(child, isIt))
                 return found;
         return nullptr;
     }
@@ -86,16 +105,56 @@ TEST_F(ShellWindow, isNamedFramelessAndOfAComfortableSize) {
     EXPECT_LE(window->width(), 1180);
 }
 
+TEST_F(ShellWindow, groundAndScreenFillItAndFollowItsSize) {
+    for (const QSize size : {window->size(), QSize(1012, 707)}) {
+        window->resize(size);
+        const auto* ground = ofType("WindowBackground");
+        const auto* screen = ofType("Screen_QMLTYPE");
+        ASSERT_TRUE(ground && screen);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return ground->size() == size; }));
+        EXPECT_EQ(ground->mapToScene({0, 0}), QPointF(0, 0));
+        // A strip above, the gap of the cards on the other sides.
+        EXPECT_EQ(QRectF(screen->mapToScene({0, 0}), screen->size()),
+                  QRectF(12, 36, size.width() - 24, size.height() - 48));
+    }
+}
+
+TEST_F(ShellWindow, theKeyboardComesToTheContentFirstAndToTheTitleButtonsLast) {
+    window->requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_Tab);
+    ASSERT_NE(window->activeFocusItem(), nullptr);
+    EXPECT_EQ(window->activeFocusItem()->property("name").toString(), QStringLiteral("Spoken language"));
+    for (const char* label : {"Close", "Maximize", "Minimize"}) {
+        QTest::keyClick(window, Qt::Key_Backtab, Qt::ShiftModifier);
+        EXPECT_EQ(window->activeFocusItem()->property("label").toString(), QLatin1String(label));
+    }
+}
+
+TEST_F(ShellWindow, titleButtonsArePressedByReturnEnterAndSpace) {
+    window->requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    auto* button = named("Maximize");
+    ASSERT_NE(button, nullptr);
+    bool isMaximized = false;
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        button->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(window, key);
+        isMaximized = !isMaximized;
+        EXPECT_EQ(window->windowStates().testFlag(Qt::WindowMaximized), isMaximized) << key;
+    }
+}
+
 TEST_F(ShellWindow, titleButtonsAct) {
-    auto* maximise = named("Maximise");
-    ASSERT_NE(maximise, nullptr);
-    QTest::mouseClick(window, Qt::LeftButton, {}, middleOf(maximise));
+    auto* maximize = named("Maximize");
+    ASSERT_NE(maximize, nullptr);
+    QTest::mouseClick(window, Qt::LeftButton, {}, middleOf(maximize));
     EXPECT_TRUE(window->windowStates().testFlag(Qt::WindowMaximized));
     auto* restore = named("Restore");
     ASSERT_NE(restore, nullptr);
     QTest::mouseClick(window, Qt::LeftButton, {}, middleOf(restore));
     EXPECT_FALSE(window->windowStates().testFlag(Qt::WindowMaximized));
-    ASSERT_NE(named("Minimise"), nullptr);
+    ASSERT_NE(named("Minimize"), nullptr);
     QTest::mouseClick(window, Qt::LeftButton, {}, middleOf(named("Close")));
     EXPECT_FALSE(window->isVisible());
 }
@@ -128,11 +187,59 @@ TEST_F(ShellWindow, draggingAnEdgeResizesIt) {
 
 TEST_F(ShellWindow, aTitleButtonIsNoGround) {
     window->setPosition(20, 20);
-    const QPoint grip = middleOf(named("Minimise"));
+    const QPoint grip = middleOf(named("Minimize"));
     QTest::mousePress(window, Qt::LeftButton, {}, grip);
     QTest::mouseMove(window, grip + QPoint(0, 60));
     QTest::mouseRelease(window, Qt::LeftButton, {}, grip + QPoint(0, 60));
     EXPECT_EQ(window->position(), QPoint(20, 20));
+}
+
+TEST_F(ShellWindow, aControlThatIsSwitchedOffIsNoGround) {
+    window->setPosition(20, 20);
+    auto* transcribe = saying("Transcribe");
+    ASSERT_NE(transcribe, nullptr);
+    ASSERT_FALSE(transcribe->isEnabled());
+    const QPoint grip = middleOf(transcribe);
+    QTest::mousePress(window, Qt::LeftButton, {}, grip);
+    QTest::mouseMove(window, grip + QPoint(30, 10));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, grip + QPoint(30, 10));
+    EXPECT_EQ(window->position(), QPoint(20, 20));
+}
+
+TEST_F(ShellWindow, saysWhatADropWillDoWhileItHovers) {
+    auto* sign = saying("Drop the video to load it");
+    ASSERT_NE(sign, nullptr);
+    EXPECT_FALSE(sign->isVisible());
+    QMimeData data;
+    data.setUrls(urls({makeClip("clip.mp4")}));
+    ASSERT_TRUE(dragOver(data));
+    EXPECT_TRUE(sign->isVisible());
+    drop(data);
+    EXPECT_FALSE(sign->isVisible());
+}
+
+TEST_F(ShellWindow, thePanelIsAsDarkAsTheWindow) {
+    QPalette palette;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        auto* panel = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (panel == nullptr)
+            return;
+        palette = panel->palette();
+        panel->reject();
+    });
+    timer.start(1);
+    controller.contentView()->openFilePicker();
+    for (const auto& [ground, text] :
+         {std::pair(QPalette::Window, QPalette::WindowText), std::pair(QPalette::Base, QPalette::Text),
+          std::pair(QPalette::Button, QPalette::ButtonText),
+          std::pair(QPalette::Highlight, QPalette::HighlightedText)}) {
+        EXPECT_GT(palette.color(text).lightness(), 200) << text;
+        EXPECT_LT(palette.color(ground).lightness(), 130) << ground;
+    }
+    for (const auto text : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        EXPECT_LT(palette.color(QPalette::Disabled, text).lightness(), palette.color(text).lightness() - 80)
+            << text;
 }
 
 TEST_F(ShellWindow, takesOneDroppedFile) {
@@ -144,10 +251,16 @@ TEST_F(ShellWindow, takesOneDroppedFile) {
     EXPECT_EQ(controller.contentView()->selectedURL(), clip);
 }
 
-TEST_F(ShellWindow, takesNeitherSeveralFilesNorNone) {
+TEST_F(ShellWindow, refusesSeveralFilesAloud) {
     QMimeData two;
     two.setUrls(urls({makeClip("a.mp4"), makeClip("b.mp4")}));
-    EXPECT_FALSE(dragOver(two));
+    EXPECT_TRUE(dragOver(two));
+    drop(two);
+    EXPECT_FALSE(controller.contentView()->hasVideo());
+    EXPECT_TRUE(controller.contentView()->hasError());
+}
+
+TEST_F(ShellWindow, doesNotTakeWhatIsNoLocalFile) {
     QMimeData text;
     text.setText(QStringLiteral("/home/someone/clip.mp4"));
     EXPECT_FALSE(dragOver(text));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -22,7 +23,11 @@ class WindowFrameTest : public testing::Test {
 
     MadeUpDesktop desktop;
     bool hasCompositor = true;
-    WindowFrame frame{desktop.settings(), [this] { return hasCompositor; }};
+    int questions = 0;
+    WindowFrame frame{desktop.settings(), [this] {
+                          ++questions;
+                          return hasCompositor;
+                      }};
     QWindow window;
 };
 
@@ -50,6 +55,13 @@ TEST(WindowFrameAlone, theButtonsStandWhereTheDesktopHasThem) {
               (QStringList{QStringLiteral("close"), QStringLiteral("maximize"), QStringLiteral("minimize")}));
 }
 
+TEST(WindowFrameAlone, theMiddleButtonSaysWhatItWillDo) {
+    const QString maximize = QStringLiteral("maximize");
+    EXPECT_EQ(WindowFrame::buttonLabel(maximize, false), QStringLiteral("Maximize"));
+    EXPECT_EQ(WindowFrame::buttonLabel(maximize, true), QStringLiteral("Restore"));
+    EXPECT_NE(WindowFrame::buttonIcon(maximize, false), WindowFrame::buttonIcon(maximize, true));
+}
+
 TEST_F(WindowFrameTest, theWindowHasNoFrameOfTheDesktop) {
     EXPECT_TRUE(window.flags().testFlag(Qt::FramelessWindowHint));
     EXPECT_TRUE(window.flags().testFlag(Qt::WindowMinMaxButtonsHint));
@@ -67,8 +79,25 @@ TEST_F(WindowFrameTest, cornersAreRoundOnlyInTheOpenAndWithACompositor) {
     EXPECT_EQ(frame.cornerRadius(), 0);
     frame.toggleFullScreen();
     hasCompositor = false;
-    window.setWidth(410);
+    window.hide();
     EXPECT_TRUE(QTest::qWaitFor([this] { return frame.cornerRadius() == 0; }));
+}
+
+TEST_F(WindowFrameTest, movingAndResizingAskNobodyForTheCompositor) {
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const int before = questions;
+    ASSERT_GT(before, 0);
+    window.setGeometry(80, 90, 500, 350);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window.width() == 500; }));
+    EXPECT_EQ(questions, before);
+}
+
+TEST_F(WindowFrameTest, aWindowFromEdgeToEdgeLosesItsCornersWithoutAQuestion) {
+    const QRect free = window.screen()->availableGeometry();
+    window.setGeometry(free.x(), free.y(), free.width() / 2, free.height());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return frame.cornerRadius() == 0; }));
+    window.setGeometry(50, 60, 400, 300);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return frame.cornerRadius() == 12; }));
 }
 
 TEST_F(WindowFrameTest, minimisingKeepsItMaximised) {
