@@ -136,7 +136,7 @@ ScalingGraph::ScalingGraph(const ImageForm& from, const ImageForm& to) : state_(
     state_->graph.reset(zimg_filter_graph_build(&source, &target, &params));
     std::size_t bytes = 0;
     if (!state_->graph || zimg_filter_graph_get_tmp_size(state_->graph.get(), &bytes) != ZIMG_ERROR_SUCCESS)
-        throw MediaError("The colours or the size of the video can't be converted: " + scalerText() + ".");
+        throw MediaError("The colors or the size of the video can't be converted: " + scalerText() + ".");
     state_->scratch.reset(av_malloc(bytes + 64));
     if (!state_->scratch)
         throw std::bad_alloc();
