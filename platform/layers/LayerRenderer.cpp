@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "platform/fonts/FontLookup.h"
+#include "platform/layers/EastAsianText.h"
 #include "platform/layers/LayerEvaluation.h"
 #include "platform/layers/LayerIndex.h"
 #include "platform/layers/OverlayDrawing.h"
@@ -17,19 +18,11 @@ namespace {
 /// memory.
 constexpr std::size_t kBitmapsPerLayer = 32;
 
-/// Chinese and Japanese write the same characters in different shapes and the text doesn't say which it is.
-/// Kana or Hangul anywhere in the tree tell, for all of it.
-std::string eastAsianLanguage(const LayerIndex& index) {
-    std::string language = "zh-cn";
-    for (const auto& entry : index.entries()) {
-        for (const QChar c : QString::fromStdString(entry.layer().text->text)) {
-            if (c.unicode() >= 0x3041 && c.unicode() <= 0x30FF)
-                return "ja";
-            if (c.script() == QChar::Script_Hangul)
-                language = "ko";
-        }
-    }
-    return language;
+const char* eastAsianLanguage(const LayerIndex& index) {
+    EastAsianText texts;
+    for (const auto& entry : index.entries())
+        texts.add(entry.layer().text->text);
+    return texts.language();
 }
 
 struct DrawnLayer {

@@ -2,7 +2,6 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QStringList>
 #include <QTextCharFormat>
 #include <QTextLayout>
 #include <algorithm>
@@ -125,7 +124,10 @@ TextShape::TextShape(const TextContent& content, Size box, const FontLookup& fon
     layout.setFormats(emojiFormats(marked.emoji, font, fonts));
     layOut(layout, font, std::clamp(box.width / unit_, 1.0, kWidestLayout),
            std::clamp(box.height / unit_, 0.0, kWidestLayout), content.wrapped);
-    lineCount_ = layout.lineCount();
+    for (int i = 0; i < layout.lineCount(); ++i) {
+        const QTextLine line = layout.lineAt(i);
+        lines_ << marked.text.mid(line.textStart(), line.textLength()).trimmed();
+    }
     for (const auto& run : layout.glyphRuns())
         addRun(run, unit_);
 }

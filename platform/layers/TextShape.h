@@ -6,7 +6,7 @@
 #include <QGlyphRun>
 #include <QPainterPath>
 #include <QRectF>
-#include <QString>
+#include <QStringList>
 #include <optional>
 #include <vector>
 
@@ -28,7 +28,9 @@ class TextShape {
 
     /// Nothing to see: no text, only blanks, or no size.
     bool isEmpty() const { return outlines_.empty() && colorRuns_.empty(); }
-    int lineCount() const { return lineCount_; }
+    int lineCount() const { return static_cast<int>(lines_.size()); }
+    /// What stands on each line, from the top, without blanks at its ends.
+    const QStringList& lines() const { return lines_; }
     /// Everything drawn lies within, in the box's units from its top left corner, y down.
     const QRectF& bounds() const { return bounds_; }
 
@@ -50,7 +52,7 @@ class TextShape {
     QRectF bounds_;
     QColor color_;
     double unit_ = 1.0;  ///< box units per layout pixel
-    int lineCount_ = 0;
+    QStringList lines_;
 };
 
 }  // namespace korvane

@@ -1,5 +1,5 @@
-// What is being played, as far as a view needs to know: where its pictures can be had. Whoever owns the player
-// offers one for as long as the screen lives; players come and go behind it. Main thread only.
+// What is being played, as far as a view needs to know: where its pictures can be had. Whoever owns the
+// player offers one for as long as the screen lives; players come and go behind it. Main thread only.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
