@@ -3,6 +3,7 @@ import QtQuick
 import Korvane.Controls
 
 Text {
+    textFormat: Text.PlainText
     color: Theme.white(0.45)
     font.pixelSize: 11
     verticalAlignment: Text.AlignVCenter

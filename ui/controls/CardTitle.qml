@@ -32,6 +32,7 @@ Item {
         Text {
             anchors.verticalCenter: parent.verticalCenter
             text: title.text
+            textFormat: Text.PlainText
             color: title.color
             font.pixelSize: title.size
             font.weight: Font.DemiBold

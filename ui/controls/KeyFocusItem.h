@@ -17,12 +17,13 @@ class KeyFocusItem : public QQuickItem {
     explicit KeyFocusItem(QQuickItem* parent = nullptr);
 
     bool hasVisualFocus() const { return visualFocus_; }
+    /// For what happens while it has the focus: a key shows the ring, a press of the pointer hides it.
+    Q_INVOKABLE void setVisualFocus(bool visualFocus);
 
   Q_SIGNALS:
     void visualFocusChanged();
 
   protected:
-    void setVisualFocus(bool visualFocus);
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 

@@ -27,6 +27,7 @@ T.AbstractButton {
 
     contentItem: Text {
         text: link.text
+        textFormat: Text.PlainText
         color: link.hovered && link.enabled ? Theme.brighter(link.color) : link.color
         font: link.font
         verticalAlignment: Text.AlignVCenter

@@ -1,32 +1,20 @@
 // The open list of a MenuPicker: rows of one height under the keys. Its rows are MenuRows.
-// Properties: model, currentIndex (where the keys are), chosen (the row with the mark), choices, font, rowHeight.
-// Signals: picked(int index), escaped().
+// Properties: those of ChoiceList, choices, font. Signals: picked(int index), escaped().
 import QtQuick
-import QtQuick.Templates as T
 import Korvane.Controls
 
-ListView {
+ChoiceList {
     id: list
 
     required property MenuChoices choices
-    property int chosen: -1
     property font font
-    readonly property real rowHeight: 26
-    signal picked(index: int)
     signal escaped
 
-    clip: true
     focus: true
-    boundsBehavior: Flickable.StopAtBounds
-    highlightMoveDuration: 0
     keyNavigationEnabled: true
     implicitHeight: count * rowHeight
-    T.ScrollBar.vertical: ThinScrollBar {}
-
-    Accessible.role: Accessible.List
 
     Keys.onPressed: event => {
-        const pageRows = Math.max(1, Math.floor(height / rowHeight) - 1);
         event.accepted = true;
         switch (event.key) {
         case Qt.Key_Return:
@@ -43,13 +31,9 @@ ListView {
         case Qt.Key_End:
             currentIndex = count - 1;
             return;
-        case Qt.Key_PageDown:
-            currentIndex = Math.min(count - 1, currentIndex + pageRows);
-            return;
-        case Qt.Key_PageUp:
-            currentIndex = Math.max(0, currentIndex - pageRows);
-            return;
         }
+        if (list.turnPage(event.key))
+            return;
         const found = choices.typed(event.text, currentIndex);
         event.accepted = found >= 0;
         if (found >= 0)

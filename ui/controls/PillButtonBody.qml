@@ -33,14 +33,26 @@ T.Button {
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()
 
+    // A button that is disabled while the pointer holds it is no longer pressed, but stays down until it is let go.
+    property bool heldDown: false
+    onPressedChanged: heldDown = pressed || (!enabled && hold.active)
+
+    PointHandler {
+        id: hold
+        acceptedButtons: Qt.LeftButton
+        onActiveChanged: if (!active)
+            button.heldDown = button.pressed
+    }
+
     Spring {
         id: pressDepth
-        // A disabled button that is still held keeps its depth.
-        to: button.pressed ? 1 : 0
+        to: button.heldDown ? 1 : 0
         response: 0.18
         damping: 0.75
     }
 
+    // Ground and label are made faint each for itself: to fade the button as one picture takes a layer, which is not
+    // drawn everywhere.
     background: ContinuousRectangle {
         radius: 10
         gradientFrom: button.fillFrom
@@ -85,6 +97,7 @@ T.Button {
             Text {
                 anchors.verticalCenter: parent.verticalCenter
                 text: button.text
+                textFormat: Text.PlainText
                 font: button.font
                 color: "white"
             }

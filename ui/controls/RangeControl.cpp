@@ -73,7 +73,7 @@ qreal RangeControl::snapped(qreal value) const {
 
 void RangeControl::moveTo(qreal value) {
     const qreal there = snapped(value);
-    if (there == value_) {
+    if (!std::isfinite(there) || there == value_) {
         return;
     }
     value_ = there;
@@ -145,14 +145,20 @@ void RangeControl::wheelEvent(QWheelEvent* event) {
 
 void RangeControl::keyPressEvent(QKeyEvent* event) {
     const qreal page = page_ > 0 ? page_ : std::max((to_ - from_) / 10, step());
+    const bool byPage = event->modifiers().testFlag(Qt::ShiftModifier);
     switch (event->key()) {
         case Qt::Key_Left:
         case Qt::Key_Down:
-        case Qt::Key_Minus:
-            stepBy(-1);
+            moveTo(value() - (byPage ? page : step()));
             break;
         case Qt::Key_Right:
         case Qt::Key_Up:
+            moveTo(value() + (byPage ? page : step()));
+            break;
+        // Where a plus is typed with Shift it is still one step.
+        case Qt::Key_Minus:
+            stepBy(-1);
+            break;
         case Qt::Key_Plus:
             stepBy(1);
             break;

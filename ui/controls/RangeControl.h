@@ -47,7 +47,8 @@ class RangeControl : public korvane::KeyFocusItem {
 
     /// Moves by so many steps, as a key does.
     Q_INVOKABLE void stepBy(int steps);
-    /// Moves to the step next to `value` within the range, as a pointer does.
+    /// Moves to the step next to `value` within the range, as a pointer does. What is no number moves
+    /// nothing.
     void moveTo(qreal value);
 
   Q_SIGNALS:
@@ -86,7 +87,7 @@ class RangeControl : public korvane::KeyFocusItem {
     qreal to_ = 1;
     qreal stepSize_ = 0;  ///< 0: continuous
     qreal nudge_ = 0;     ///< a key's or wheel notch's step; 0: stepSize, or a hundredth of the range
-    qreal page_ = 0;      ///< Page Up's and Down's step; 0: a tenth of the range
+    qreal page_ = 0;      ///< the step of Page keys, and of arrows with Shift; 0: a tenth of the range
     qreal handle_ = 16;   ///< the handle's length along the track, points
     Qt::Orientation orientation_ = Qt::Horizontal;
     qreal value_ = 0;

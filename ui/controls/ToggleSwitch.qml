@@ -21,7 +21,14 @@ T.Switch {
     Accessible.checked: checked
     Accessible.onPressAction: control.turn()
     Accessible.onToggleAction: control.turn()
+    // Once a press, like Space, which turns it when it is let go.
+    Keys.onReturnPressed: event => turnOnce(event)
+    Keys.onEnterPressed: event => turnOnce(event)
 
+    function turnOnce(event: KeyEvent) {
+        if (!event.isAutoRepeat)
+            turn();
+    }
     function turn() {
         if (!enabled)
             return;

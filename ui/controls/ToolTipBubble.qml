@@ -20,6 +20,7 @@ T.ToolTip {
 
     contentItem: Text {
         text: tip.text
+        textFormat: Text.PlainText
         color: Theme.white(0.85)
         font.pixelSize: 11
         wrapMode: Text.WrapAnywhere

@@ -9,6 +9,11 @@ T.Popup {
 
     required property ColorState choice
     required property string name
+    /// Whether the keys open it, so that the focus shows in it too.
+    property bool byKeys: false
+
+    // What assistive tools are told of is the item that a popup makes around its content.
+    Component.onCompleted: contentItem.parent.Accessible.name = name
 
     width: 240
     padding: 12
@@ -18,7 +23,7 @@ T.Popup {
     focus: true
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
 
-    onOpened: field.forceActiveFocus(Qt.PopupFocusReason)
+    onOpened: field.forceActiveFocus(byKeys ? Qt.TabFocusReason : Qt.PopupFocusReason)
 
     background: Rectangle {
         radius: 10
@@ -31,8 +36,6 @@ T.Popup {
         id: column
         width: chooser.availableWidth
         spacing: 12
-        Accessible.role: Accessible.Dialog
-        Accessible.name: chooser.name
 
         ColorField {
             id: field

@@ -1,23 +1,23 @@
 // Saturation to the right, brightness upwards, in one hue. Arrow keys move by one per cent, with Shift by ten.
 import QtQuick
-import QtQuick.Templates as T
 import Korvane.Controls
 import Korvane.Style
 
-T.Control {
+// An item of no kind of its own: a control from the templates would be told as a filler, whatever its role.
+KeyFocusItem {
     id: field
 
     required property ColorState choice
 
     implicitWidth: 216
     implicitHeight: 136
-    focusPolicy: Qt.StrongFocus
 
     Accessible.role: Accessible.ColorChooser
-    Accessible.name: qsTr("Saturation and brightness")
+    Accessible.name: "Saturation and brightness"
     Accessible.description: choice.description
 
     function move(saturation: real, brightness: real) {
+        setVisualFocus(true)
         choice.pickInField(choice.saturation + saturation, choice.brightness + brightness)
     }
     function stepOf(event: KeyEvent): real {
@@ -29,7 +29,8 @@ T.Control {
     Keys.onUpPressed: event => move(0, stepOf(event))
     Keys.onDownPressed: event => move(0, -stepOf(event))
 
-    background: Item {
+    Item {
+        anchors.fill: parent
         Rectangle {
             anchors.fill: parent
             radius: 8
@@ -64,6 +65,7 @@ T.Control {
         }
         onPressed: mouse => {
             field.forceActiveFocus(Qt.MouseFocusReason)
+            field.setVisualFocus(false)
             pick(mouse)
         }
         onPositionChanged: mouse => pick(mouse)

@@ -30,8 +30,10 @@ T.AbstractButton {
     function toggleChooser() {
         if (chooser.opened)
             chooser.close()
-        else
+        else {
+            chooser.byKeys = visualFocus
             chooser.open()
+        }
     }
     onClicked: toggleChooser()
     onVisibleChanged: {
@@ -59,7 +61,7 @@ T.AbstractButton {
         x: (well.width - width) / 2
         onClosed: {
             if (well.visible)
-                well.forceActiveFocus(Qt.PopupFocusReason)
+                well.forceActiveFocus(chooser.byKeys ? Qt.TabFocusReason : Qt.PopupFocusReason)
         }
     }
 }

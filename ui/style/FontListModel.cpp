@@ -9,6 +9,7 @@ namespace korvane {
 
 void FontListModel::setRows(std::vector<Row> rows) {
     rows_ = std::move(rows);
+    rowsAreKnown_ = true;
     folded_.clear();
     for (const auto& row : rows_)
         folded_.push_back(foldedForSearch(row.family));
@@ -36,6 +37,15 @@ void FontListModel::list() {
     endResetModel();
     if (otherCount)
         Q_EMIT countChanged();
+    Q_EMIT emptyTextChanged();
+}
+
+QString FontListModel::emptyText() const {
+    if (!listed_.empty())
+        return {};
+    if (!rowsAreKnown_)
+        return QStringLiteral("Reading the fonts…");
+    return rows_.empty() ? QStringLiteral("No fonts found") : QStringLiteral("No font of that name");
 }
 
 int FontListModel::indexOf(const QString& family) const {

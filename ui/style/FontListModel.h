@@ -15,6 +15,7 @@ class FontListModel : public QAbstractListModel {
     /// Words; a family is listed when its name holds them all, whatever their case and accents.
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(int count READ count NOTIFY countChanged)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY emptyTextChanged)
 
   public:
     struct Row {
@@ -30,6 +31,8 @@ class FontListModel : public QAbstractListModel {
 
     QString search() const { return search_; }
     void setSearch(const QString& search);
+    /// Why nothing is listed; empty while something is.
+    QString emptyText() const;
     int count() const { return static_cast<int>(listed_.size()); }
 
     /// Where a family stands among those listed; -1 when it is not.
@@ -44,6 +47,7 @@ class FontListModel : public QAbstractListModel {
   Q_SIGNALS:
     void searchChanged();
     void countChanged();
+    void emptyTextChanged();
 
   private:
     void list();
@@ -52,6 +56,7 @@ class FontListModel : public QAbstractListModel {
     std::vector<QString> folded_;      ///< names as the search compares them
     std::vector<std::size_t> listed_;  ///< indices of rows
     QString search_;
+    bool rowsAreKnown_ = false;
 };
 
 }  // namespace korvane

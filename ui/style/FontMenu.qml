@@ -135,7 +135,7 @@ Item {
         SearchField {
             id: search
             anchors { left: parent.left; right: parent.right; top: parent.top }
-            name: qsTr("Search fonts")
+            name: "Search fonts"
             onTextEdited: {
                 menu.fonts.search = text
                 list.show(menu.fonts.indexOf(menu.family))
@@ -152,14 +152,16 @@ Item {
             anchors.topMargin: 8
             model: popup.wanted ? menu.fonts : null
             delegate: FontRow {}
-            chosen: menu.family
+            // The families may come while the menu is open.
+            onCountChanged: show(menu.fonts.indexOf(menu.family))
             Accessible.name: menu.name
             onPicked: line => menu.pick(line)
         }
         Text {
             anchors.centerIn: list
-            visible: menu.fonts.count === 0
-            text: menu.fonts.search === "" ? qsTr("Reading the fonts…") : qsTr("No font of that name")
+            objectName: "nothing"
+            visible: text !== ""
+            text: menu.fonts.emptyText
             color: Theme.white(0.45)
             font.pixelSize: 12
         }

@@ -1,41 +1,39 @@
-// All hues from red to red. Arrow keys move by two degrees, with Shift by twenty.
+// All hues from red to red, in degrees. Arrow keys move by two, with Shift by twenty.
 import QtQuick
-import QtQuick.Templates as T
 import Korvane.Controls
 import Korvane.Style
 
-T.Control {
+RangeControl {
     id: strip
 
     required property ColorState choice
-    // As assistive tools read it, in degrees.
-    readonly property real value: choice.hue * 360
-    readonly property real minimumValue: 0
-    readonly property real maximumValue: 360
-    readonly property real stepSize: 2
 
     implicitWidth: 216
     implicitHeight: 14
-    focusPolicy: Qt.StrongFocus
+    from: 0
+    to: 360
+    nudge: 2
+    page: 20
+    // A hue is picked where the pointer is, up to the ends: the knob stands over them by its half.
+    handle: 0
+    value: choice.hue * 360
+    onMoved: value => choice.pickHue(value / 360)
 
     Accessible.role: Accessible.Slider
-    Accessible.name: qsTr("Hue")
-    Accessible.onIncreaseAction: move(stepSize)
-    Accessible.onDecreaseAction: move(-stepSize)
+    Accessible.name: "Hue"
+    Accessible.onIncreaseAction: strip.stepBy(1)
+    Accessible.onDecreaseAction: strip.stepBy(-1)
 
-    function move(degrees: real) {
-        choice.pickHue(choice.hue + degrees / 360)
+    // Taken hold of wherever the knob is seen.
+    containmentMask: Item {
+        x: -3
+        y: -3
+        width: strip.width + 6
+        height: strip.height + 6
     }
-    function stepOf(event: KeyEvent): real {
-        return event.modifiers & Qt.ShiftModifier ? 10 * stepSize : stepSize
-    }
 
-    Keys.onLeftPressed: event => move(-stepOf(event))
-    Keys.onRightPressed: event => move(stepOf(event))
-    Keys.onDownPressed: event => move(-stepOf(event))
-    Keys.onUpPressed: event => move(stepOf(event))
-
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: height / 2
         border.width: 1
         border.color: Theme.white(0.14)
@@ -51,22 +49,9 @@ T.Control {
         }
     }
 
-    MouseArea {
-        anchors.fill: parent
-        anchors.margins: -3
-        preventStealing: true
-        function pick(mouse: MouseEvent) {
-            strip.choice.pickHue((mouse.x - 3) / strip.width)
-        }
-        onPressed: mouse => {
-            strip.forceActiveFocus(Qt.MouseFocusReason)
-            pick(mouse)
-        }
-        onPositionChanged: mouse => pick(mouse)
-    }
-
     PickKnob {
-        x: strip.choice.hue * (strip.width - strip.height) + strip.height / 2 - width / 2
+        objectName: "hueKnob"
+        x: strip.position * strip.width - width / 2
         y: (strip.height - height) / 2
         color: strip.choice.hueColor
     }

@@ -43,6 +43,7 @@ T.TextField {
             verticalAlignment: Text.AlignVCenter
             visible: search.text === "" && search.preeditText === ""
             text: search.name
+            textFormat: Text.PlainText
             font: search.font
             color: search.placeholderTextColor
         }

@@ -9,8 +9,6 @@ GlassCard {
 
     required property StyleEditor editor
 
-    Component.onCompleted: editor.prefetchFonts()
-
     Item {
         id: content
 
@@ -21,7 +19,7 @@ GlassCard {
         readonly property real firstRow: title.height + 12
         readonly property real secondRow: firstRow + rowHeight + 8
         readonly property real thirdRow: secondRow + rowHeight + 8
-        readonly property bool narrow: colour.width + shadow.width + blur.width + bounce.width + 3 * groupGap
+        readonly property bool narrow: colorRow.width + shadow.width + blur.width + bounce.width + 3 * groupGap
                                        > controls.width
 
         width: card.width - 2 * card.horizontalPadding
@@ -29,7 +27,7 @@ GlassCard {
 
         CardTitle {
             id: title
-            text: qsTr("Subtitles")
+            text: "Subtitles"
             iconName: "captions.bubble.fill"
             iconColor: Theme.accent
         }
@@ -68,9 +66,9 @@ GlassCard {
                 y: content.firstRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { width: content.firstLabel; height: parent.height; text: qsTr("Font") }
+                Caption { width: content.firstLabel; height: parent.height; text: "Font" }
                 FontMenu {
-                    name: qsTr("Font")
+                    name: "Font"
                     objectName: "font"
                     width: weight.x - content.groupGap - x
                     height: parent.height
@@ -85,9 +83,9 @@ GlassCard {
                 y: content.firstRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { height: parent.height; text: qsTr("Weight") }
+                Caption { height: parent.height; text: "Weight" }
                 MenuPicker {
-                    name: qsTr("Weight")
+                    name: "Weight"
                     objectName: "weight"
                     width: 90
                     height: parent.height
@@ -104,9 +102,9 @@ GlassCard {
                 y: content.firstRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { height: parent.height; text: qsTr("Size") }
+                Caption { height: parent.height; text: "Size" }
                 AccentSlider {
-                    name: qsTr("Size")
+                    name: "Size"
                     objectName: "size"
                     anchors.verticalCenter: parent.verticalCenter
                     width: 88
@@ -126,13 +124,13 @@ GlassCard {
             }
 
             Row {
-                id: colour
+                id: colorRow
                 y: content.secondRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { id: colorLabel; width: content.firstLabel; height: parent.height; text: qsTr("Color") }
+                Caption { id: colorLabel; width: content.firstLabel; height: parent.height; text: "Color" }
                 ColorWell {
-                    name: qsTr("Color")
+                    name: "Color"
                     objectName: "color"
                     anchors.verticalCenter: parent.verticalCenter
                     color: card.editor.textColor
@@ -141,14 +139,14 @@ GlassCard {
             }
             Row {
                 id: shadow
-                x: colour.width + content.groupGap
+                x: colorRow.width + content.groupGap
                 y: content.secondRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { height: parent.height; text: qsTr("Shadow") }
+                Caption { height: parent.height; text: "Shadow" }
                 ToggleSwitch {
                     id: shadowSwitch
-                    name: qsTr("Shadow")
+                    name: "Shadow"
                     objectName: "shadow"
                     anchors.verticalCenter: parent.verticalCenter
                     checked: card.editor.hasShadow
@@ -159,7 +157,7 @@ GlassCard {
                     width: 46
                     height: parent.height
                     ColorWell {
-                        name: qsTr("Shadow color")
+                        name: "Shadow color"
                         objectName: "shadowColor"
                         anchors.verticalCenter: parent.verticalCenter
                         visible: card.editor.hasShadow
@@ -174,9 +172,9 @@ GlassCard {
                 y: content.secondRow
                 height: content.rowHeight
                 spacing: 6
-                Caption { height: parent.height; text: qsTr("Blur") }
+                Caption { height: parent.height; text: "Blur" }
                 AccentSlider {
-                    name: qsTr("Blur")
+                    name: "Blur"
                     objectName: "blur"
                     anchors.verticalCenter: parent.verticalCenter
                     width: 70
@@ -205,10 +203,10 @@ GlassCard {
                 id: positionLabel
                 anchors.horizontalCenter: parent.horizontalCenter
                 font.pixelSize: 10
-                text: qsTr("Pos")
+                text: "Pos"
             }
             VerticalSlider {
-                name: qsTr("Vertical position")
+                name: "Vertical position"
                 objectName: "position"
                 anchors { top: positionLabel.bottom; bottom: parent.bottom; topMargin: 6 }
                 width: 20
@@ -223,9 +221,9 @@ GlassCard {
             y: content.narrow ? content.thirdRow : content.secondRow
             height: content.rowHeight
             spacing: 8
-            Caption { height: parent.height; text: qsTr("Spring bounce on entry") }
+            Caption { height: parent.height; text: "Spring bounce on entry" }
             ToggleSwitch {
-                name: qsTr("Spring bounce on entry")
+                name: "Spring bounce on entry"
                 objectName: "bounce"
                 anchors.verticalCenter: parent.verticalCenter
                 checked: card.editor.hasPopAnimation

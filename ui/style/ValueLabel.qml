@@ -3,6 +3,7 @@ import QtQuick
 import Korvane.Controls
 
 Text {
+    textFormat: Text.PlainText
     color: Theme.white(0.4)
     font.pixelSize: 11
     horizontalAlignment: Text.AlignRight

@@ -113,6 +113,30 @@ TEST(ToggleSwitch, clickAndSpaceTurnItAndItsBindingStays) {
     EXPECT_FALSE(control.property("checked").toBool());
 }
 
+TEST(ToggleSwitch, returnAndEnterTurnItOnceEach) {
+    Stage stage(R"qml(Item { property int turns: 0
+        ToggleSwitch { objectName: "switch"; x: 20; y: 20; onToggled: parent.turns++ } })qml");
+    QQuickItem& control = stage.item("switch");
+    control.forceActiveFocus(Qt::TabFocusReason);
+    stage.key(Qt::Key_Return);
+    EXPECT_TRUE(control.property("checked").toBool());
+    stage.key(Qt::Key_Enter);
+    EXPECT_FALSE(control.property("checked").toBool());
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), true);
+    QCoreApplication::sendEvent(&stage.view(), &held);
+    EXPECT_EQ(stage.root().property("turns").toInt(), 2);
+}
+
+TEST(ToolTipBubble, aFileNameIsNoMarkup) {
+    Stage stage(R"qml(Item {
+        ToolTipBubble { objectName: "markup"; text: "<b>reel</b>.mp4" }
+        ToolTipBubble { objectName: "plain"; text: "reel.mp4" } })qml");
+    const auto width = [&](const char* tip) {
+        return stage.object(tip).property("contentItem").value<QQuickItem*>()->implicitWidth();
+    };
+    EXPECT_GT(width("markup"), width("plain") * 1.3);
+}
+
 TEST(LinkButton, brightensUnderThePointer) {
     Stage stage(
         R"qml(Item { LinkButton { objectName: "link"; x: 40; y: 40; text: "None"; color: Theme.white(0.45); size: 40 } })qml");

@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QFontMetricsF>
 #include <QTest>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "MenuChoices.h"
 #include "Stage.h"
@@ -29,12 +33,43 @@ class Picker : public Stage {
     }
     void focus() { control().forceActiveFocus(Qt::TabFocusReason); }
     QQuickItem* row(const QString& label) { return find(view().contentItem(), label); }
+    QQuickItem* row(const char* label) { return row(QString::fromUtf8(label)); }
+    static QQuickItem& words(QQuickItem& row) { return part(row, "truncated"); }
+    static bool isUnderThePointer(QQuickItem& row) {
+        return part(row, "containsMouse").property("containsMouse").toBool();
+    }
+    /// As the scene tells whenever anything in it moves.
+    bool comesUnderThePointer(QQuickItem& row) {
+        return wait([&] {
+            root().setRotation(root().rotation() == 0 ? 360 : 0);
+            return isUnderThePointer(row);
+        });
+    }
+    int rowsUnderThePointer() { return rowsUnderThePointer(view().contentItem()); }
     void open() {
+        // From elsewhere, as a pointer that is there already would not have moved.
+        QTest::mouseMove(&view(), QPoint(1, 1));
+        QTest::mouseMove(&view(), middle());
         click(middle());
         ASSERT_TRUE(wait([this] { return isOpen() && row(QStringLiteral("French")) != nullptr; }));
     }
 
   private:
+    static int rowsUnderThePointer(QQuickItem* from) {
+        int count = from->property("modelData").isValid() && isUnderThePointer(*from) ? 1 : 0;
+        for (QQuickItem* child : from->childItems()) {
+            count += rowsUnderThePointer(child);
+        }
+        return count;
+    }
+    static QQuickItem& part(QQuickItem& row, const char* property) {
+        for (QQuickItem* child : row.childItems()) {
+            if (child->property(property).isValid()) {
+                return *child;
+            }
+        }
+        throw std::runtime_error("a row has no such part");
+    }
     static QQuickItem* find(QQuickItem* from, const QString& label) {
         for (QQuickItem* child : from->childItems()) {
             if (child->property("modelData").toString() == label) {
@@ -148,8 +183,7 @@ TEST(MenuPicker, itsListStaysInTheWindowAndShowsItsLabelsWhole) {
     ASSERT_TRUE(Stage::wait([&] { return row->width() > 150; }));
     const QRectF bounds = row->mapRectToScene(row->boundingRect());
     EXPECT_TRUE(QRectF(0, 0, 300, 200).contains(bounds));
-    auto* text = row->property("contentItem").value<QQuickItem*>()->childItems().last();
-    EXPECT_FALSE(text->property("truncated").toBool());
+    EXPECT_FALSE(Picker::words(*row).property("truncated").toBool());
 }
 
 TEST(MenuPicker, disabledOrEmptyDoesNotOpen) {
@@ -160,6 +194,90 @@ TEST(MenuPicker, disabledOrEmptyDoesNotOpen) {
     Picker empty(R"qml(Item { MenuPicker { objectName: "picker"; width: 90 } })qml");
     empty.click(empty.middle());
     EXPECT_FALSE(empty.isOpen());
+}
+
+namespace {
+
+// At the window's edge the list comes up over the picker, and so under the pointer that pressed it.
+constexpr auto atTheEdge = R"qml(Item { property var picks: []
+    MenuPicker { objectName: "picker"; x: 20; y: 165; width: 120; currentIndex: 1
+        model: ["English (US)", "German (Germany)", "French", "Greek", "Polish"]
+        onPicked: index => { parent.picks = parent.picks.concat(index) } } })qml";
+
+// More than fit, so that keys scroll them.
+constexpr auto manyAtTheEdge = R"qml(Item { property var picks: []
+    MenuPicker { objectName: "picker"; x: 20; y: 385; width: 120; currentIndex: 20
+        model: Array.from({ length: 40 }, (_, i) => i === 21 ? "French" : "Row " + i)
+        onPicked: index => { parent.picks = parent.picks.concat(index) } } })qml";
+
+}  // namespace
+
+TEST(MenuPicker, aPointerThatRestsWhereTheListOpensPicksNothing) {
+    Picker picker(atTheEdge, QSize(300, 200));
+    picker.open();
+    QQuickItem* polish = picker.row("Polish");
+    ASSERT_TRUE(picker.comesUnderThePointer(*polish));
+    EXPECT_TRUE(picker.row("German (Germany)")->property("current").toBool());
+    EXPECT_FALSE(polish->property("current").toBool());
+    picker.key(Qt::Key_Return);
+    EXPECT_TRUE(picker.picks().isEmpty());
+}
+
+TEST(MenuPicker, aPointerThatMovesTakesTheKeysPlace) {
+    Picker picker(atTheEdge, QSize(300, 200));
+    picker.open();
+    QQuickItem* polish = picker.row("Polish");
+    ASSERT_TRUE(picker.comesUnderThePointer(*polish));
+    QTest::mouseMove(&picker.view(), picker.middle() + QPoint(2, 0));
+    EXPECT_TRUE(Stage::wait([&] { return polish->property("current").toBool(); }));
+    QTest::mouseMove(&picker.view(), picker.row("French")->mapToScene(QPointF(40, 13)).toPoint());
+    EXPECT_TRUE(Stage::wait([&] { return picker.row("French")->property("current").toBool(); }));
+    picker.key(Qt::Key_Return);
+    EXPECT_EQ(picker.picks(), QVariantList{2});
+}
+
+TEST(MenuPicker, keysThatScrollTheListUnderARestingPointerKeepTheirPlace) {
+    Picker picker(manyAtTheEdge, QSize(300, 420));
+    picker.open();
+    for (const auto& [key, label] : {std::pair(Qt::Key_End, "Row 39"), std::pair(Qt::Key_PageUp, "Row 27"),
+                                     std::pair(Qt::Key_Home, "Row 0")}) {
+        picker.key(key);
+        ASSERT_TRUE(Stage::wait([&] { return picker.row(label) != nullptr; })) << label;
+        // Until the scene has told the pointer what came to lie under it.
+        ASSERT_TRUE(Stage::wait([&] { return picker.rowsUnderThePointer() == 1; }));
+        EXPECT_TRUE(picker.row(label)->property("current").toBool()) << label;
+    }
+    picker.key(Qt::Key_Return);
+    EXPECT_EQ(picker.picks(), QVariantList{0});
+}
+
+TEST(MenuPicker, whatIsChosenAndWhereTheKeysAreIsHeard) {
+    QAccessible::setActive(true);
+    Picker picker;
+    picker.focus();
+    picker.key(Qt::Key_Return);
+    ASSERT_TRUE(Stage::wait([&] { return picker.isOpen() && picker.row("French") != nullptr; }));
+    picker.key(Qt::Key_Down);
+    const auto heard = [&](const char* label) -> QAccessibleInterface& {
+        return *QAccessible::queryAccessibleInterface(picker.row(label));
+    };
+    for (const char* label : {"English (US)", "German (Germany)", "French"}) {
+        const QAccessible::State state = heard(label).state();
+        EXPECT_EQ(heard(label).role(), QAccessible::ListItem) << label;
+        EXPECT_EQ(heard(label).text(QAccessible::Name).toStdString(), label);
+        EXPECT_TRUE(state.checkable) << label;
+        EXPECT_EQ(bool(state.checked), label == std::string("German (Germany)")) << label;
+        EXPECT_EQ(bool(state.selected), label == std::string("French")) << label;
+        EXPECT_EQ(bool(state.focused), label == std::string("French")) << label;
+    }
+}
+
+TEST(MenuPicker, aLabelIsNoMarkup) {
+    Picker picker(R"qml(Item { MenuPicker { objectName: "picker"; width: 90; currentIndex: 0
+        model: ["<b>French</b>", "French"] } })qml");
+    picker.open();
+    EXPECT_GT(Picker::words(*picker.row("<b>French</b>")).implicitWidth(),
+              Picker::words(*picker.row("French")).implicitWidth() * 1.5);
 }
 
 TEST(MenuChoices, theSameLetterGoesOnToTheNext) {

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QPainter>
 #include <QTest>
 #include <cmath>
 
+#include "ContinuousCorner.h"
+#include "Spring.h"
 #include "Stage.h"
 #include "Theme.h"
 
@@ -104,6 +107,58 @@ TEST(Pill, cornersAreOutsideTheShape) {
     EXPECT_GT(picture.pixelColor(left + 4, top + 4).blue(), 200);
 }
 
+TEST(Pill, itsCornersHaveARadiusOfTen) {
+    Stage stage(pill("GhostPill", "fillFrom: \"white\"; fillTo: \"white\""));
+    const QImage picture = stage.picture();
+    // What each corner leaves free of its square, in points: it grows with the square of the radius.
+    const auto wanted = [](qreal radius) {
+        const int side = 18;
+        QImage mask(side, side, QImage::Format_Grayscale8);
+        mask.fill(0);
+        QPainter painter(&mask);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillPath(continuousRectangle({0, 0, 100, 100}, radius), Qt::white);
+        painter.end();
+        double free = 0;
+        for (int i = 0; i < side * side; ++i) {
+            free += 1 - qRed(mask.pixel(i % side, i / side)) / 255.0;
+        }
+        return free;
+    };
+    double free = 0;
+    for (int y = 0; y < 18; ++y) {
+        for (int x = 0; x < 18; ++x) {
+            free += 1 - picture.pixelColor(left + x, top + y).red() / 255.0;
+        }
+    }
+    ASSERT_GT(wanted(10.5) - wanted(9.5), 3);
+    EXPECT_GT(free, wanted(9.5));
+    EXPECT_LT(free, wanted(10.5));
+}
+
+TEST(Pill, springsWithAResponseOf018AndADampingOf075) {
+    Stage stage(pill("PrimaryPill"));
+    QQuickItem& item = stage.item("pill");
+    auto* spring = item.findChild<Spring*>();
+    ASSERT_NE(spring, nullptr);
+    // Let go at the same instant, so that the scene's clock shows both the same time.
+    Spring twin;
+    twin.setProperty("response", 0.18);
+    twin.setProperty("damping", 0.75);
+    twin.componentComplete();
+    QObject::connect(spring, &Spring::toChanged, &twin, [&] { twin.setTo(spring->to()); });
+    QTest::mousePress(&stage.view(), Qt::LeftButton, Qt::NoModifier, middleOf(item));
+    int inFlight = 0;
+    EXPECT_TRUE(Stage::wait([&] {
+        EXPECT_NEAR(item.property("looksScale").toReal(), 1 - 0.04 * twin.value(), 1e-9);
+        EXPECT_NEAR(item.property("looksOpacity").toReal(), 1 - 0.22 * twin.value(), 1e-9);
+        inFlight += twin.value() > 0 && twin.isMoving();
+        return twin.to() == 1 && !twin.isMoving();
+    }));
+    EXPECT_GT(inFlight, 0);
+    EXPECT_EQ(twin.value(), 1);
+}
+
 TEST(Pill, pressedIsFainterAndSmallerAndComesBackExactly) {
     Stage stage(pill("PrimaryPill"));
     QQuickItem& item = stage.item("pill");
@@ -146,15 +201,30 @@ TEST(Pill, disabledKeepsItsGradientFaintlyAndDoesNothing) {
     EXPECT_EQ(item.property("looksScale").toReal(), 1);
 }
 
-TEST(Pill, disabledUnderThePointerIsAtItsDisabledOpacityAtOnce) {
+TEST(Pill, disabledUnderThePointerIsAtItsDisabledOpacityAtOnceAndStaysDownUntilItIsLetGo) {
     Stage stage(pill("PrimaryPill"));
     QQuickItem& item = stage.item("pill");
     QTest::mousePress(&stage.view(), Qt::LeftButton, Qt::NoModifier, middleOf(item));
     EXPECT_TRUE(Stage::wait([&] { return item.property("looksScale").toReal() == 1 - 0.04; }));
     item.setEnabled(false);
     EXPECT_EQ(item.property("looksOpacity").toReal(), 0.32);
+    EXPECT_EQ(item.property("looksScale").toReal(), 1 - 0.04);
+    EXPECT_TRUE(item.property("heldDown").toBool());
     QTest::mouseRelease(&stage.view(), Qt::LeftButton, Qt::NoModifier, middleOf(item));
+    EXPECT_TRUE(Stage::wait([&] { return item.property("looksScale").toReal() == 1; }));
+    EXPECT_EQ(item.property("looksOpacity").toReal(), 0.32);
     EXPECT_EQ(stage.root().property("clicks").toInt(), 0);
+}
+
+TEST(Pill, disabledAfterThePointerLeftItIsUp) {
+    Stage stage(pill("PrimaryPill"));
+    QQuickItem& item = stage.item("pill");
+    QTest::mousePress(&stage.view(), Qt::LeftButton, Qt::NoModifier, middleOf(item));
+    QTest::mouseMove(&stage.view(), QPoint(250, 180));
+    item.setEnabled(false);
+    EXPECT_FALSE(item.property("heldDown").toBool());
+    QTest::mouseRelease(&stage.view(), Qt::LeftButton, Qt::NoModifier, QPoint(250, 180));
+    EXPECT_FALSE(item.property("heldDown").toBool());
 }
 
 TEST(Pill, keysPressItAndTabShowsTheRing) {

@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "RangeControl.h"
@@ -225,6 +226,28 @@ TEST(VerticalSlider, theHandleStandsWhereTheValueIs) {
     EXPECT_GT(picture.pixelColor(slider.at(0.25)).red(), 200);
     EXPECT_EQ(picture.pixelColor(slider.at(0.05)).rgb(), Theme::accent().rgb());
     EXPECT_LT(picture.pixelColor(slider.at(0.6)).blue(), 60);
+}
+
+TEST(AccentSlider, arrowsWithShiftGoByThePage) {
+    Slider slider(sizeSlider);
+    slider.control().setProperty("page", 10);
+    slider.control().forceActiveFocus(Qt::TabFocusReason);
+    slider.key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(slider.model(), 82);
+    slider.key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(slider.model(), 72);
+    slider.key(Qt::Key_Plus, Qt::ShiftModifier);
+    EXPECT_EQ(slider.model(), 74);
+}
+
+TEST(RangeControl, isNotMovedByWhatIsNoNumber) {
+    for (const char* qml : {sizeSlider, positionSlider}) {
+        Slider slider(qml);
+        const qreal before = slider.control().value();
+        slider.control().moveTo(std::numeric_limits<qreal>::quiet_NaN());
+        EXPECT_TRUE(slider.moves.empty());
+        EXPECT_EQ(slider.control().value(), before);
+    }
 }
 
 }  // namespace korvane

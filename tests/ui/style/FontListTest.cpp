@@ -73,6 +73,22 @@ TEST(FontList, tellsWhenItsCountChanges) {
     EXPECT_EQ(count.count(), 2);
 }
 
+TEST(FontList, saysWhyNothingIsListed) {
+    FontListModel model;
+    QSignalSpy told(&model, &FontListModel::emptyTextChanged);
+    EXPECT_EQ(model.emptyText(), text("Reading the fonts…"));
+    model.setSearch(text("a"));
+    EXPECT_EQ(model.emptyText(), text("Reading the fonts…"));
+    told.clear();
+    model.setRows({});
+    EXPECT_EQ(model.emptyText(), text("No fonts found"));
+    EXPECT_EQ(told.count(), 1) << "though as few are listed as before";
+    model.setRows(rowsOf({"B"}));
+    EXPECT_EQ(model.emptyText(), text("No font of that name"));
+    model.setSearch({});
+    EXPECT_EQ(model.emptyText(), QString());
+}
+
 TEST(FontList, aFamilyThatCannotWriteItsNameIsShownInTheScreensFont) {
     FontListModel model;
     model.setRows({{text("Text"), true}, {text("Symbols"), false}});

@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QElapsedTimer>
 
 #include "CardWindow.h"
@@ -121,6 +122,26 @@ TEST_F(FontMenu, anOpenMenuStaysInsideTheWindow) {
     }
 }
 
+TEST_F(FontMenu, theChosenFamilyAndTheOneUnderTheKeysAreHeard) {
+    open();
+    card.key(Qt::Key_Down);
+    card.window.grabWindow();
+    int heard = 0;
+    for (auto* row : list()->property("contentItem").value<QQuickItem*>()->childItems()) {
+        const auto family = row->property("family").toString();
+        if (family.isEmpty() || !row->isVisible())
+            continue;
+        auto* spoken = QAccessible::queryAccessibleInterface(row);
+        const auto name = family.toStdString();
+        EXPECT_EQ(spoken->role(), QAccessible::ListItem) << name;
+        EXPECT_EQ(spoken->text(QAccessible::Name), family);
+        EXPECT_EQ(bool(spoken->state().checked), name == "Family 1500 Sans") << name;
+        EXPECT_EQ(bool(spoken->state().selected), name == "Family 1501 Größe") << name;
+        ++heard;
+    }
+    EXPECT_GT(heard, 5);
+}
+
 TEST_F(FontMenu, runsThroughAThousandFamiliesWithAHandfulOfRows) {
     open();
     int most = 0;
@@ -130,6 +151,22 @@ TEST_F(FontMenu, runsThroughAThousandFamiliesWithAHandfulOfRows) {
         most = std::max(most, rows());
     }
     EXPECT_LT(most, 30);
+}
+
+TEST(FontMenuWithoutFonts, saysSoOnceTheyHaveBeenRead) {
+    EditedStyle style{MadeUpFonts()};
+    CardWindow card(style);
+    card.focus("font");
+    card.key(Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return card.find("font")->property("opened").toBool(); }));
+    const auto* nothing = card.find("font")->findChild<QQuickItem*>(QStringLiteral("nothing"));
+    ASSERT_NE(nothing, nullptr);
+    EXPECT_TRUE(nothing->isVisible());
+    EXPECT_EQ(nothing->property("text").toString(), QStringLiteral("Reading the fonts…"));
+    style.editor.prefetchFonts();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return nothing->property("text").toString() == QStringLiteral("No fonts found"); }));
+    EXPECT_TRUE(nothing->isVisible());
 }
 
 }  // namespace

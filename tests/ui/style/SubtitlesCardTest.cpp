@@ -49,6 +49,9 @@ TEST_F(SubtitlesCard, sizeGoesFrom36To120InEvenStepsAndSaysSo) {
 
 TEST_F(SubtitlesCard, blurGoesFrom1To32InWholeStepsAndSaysSo) {
     std::set<double> blurs;
+    style.editor.setShadowRadius(1);
+    EXPECT_EQ(labelOf("blurLabel"), QStringLiteral("1px"));
+    style.editor.setShadowRadius(8);
     pull("blur", false, [&] { blurs.insert(style.settings.shadowRadius); });
     EXPECT_EQ(*blurs.begin(), 1.0);
     EXPECT_EQ(*blurs.rbegin(), 32.0);
