@@ -146,6 +146,8 @@ void WordFlow::startOver() {
     }
     live_.clear();
     current_ = count() > 0 ? 0 : -1;
+    if (count() == 0)
+        setFocus(false);  // the keyboard can't stay where nothing is
     setActiveFocusOnTab(count() > 0);
     place();
     requestScroll(0.0);
