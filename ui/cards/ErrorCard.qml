@@ -72,6 +72,11 @@ Item {
                 selectByMouse: true
                 selectByKeyboard: true
                 activeFocusOnTab: frame.shown
+                // A text does not know what brought it the keys: a pointer that is pressed on it, or else they themselves.
+                property bool byPointer: false
+                readonly property bool visualFocus: activeFocus && !byPointer
+                onActiveFocusChanged: if (!activeFocus)
+                    byPointer = false
                 onCursorRectangleChanged: {
                     const line = cursorRectangle;
                     view.contentY = Math.max(line.y + line.height - view.height, Math.min(view.contentY, line.y));
@@ -84,7 +89,17 @@ Item {
                 font.pixelSize: 13
                 Accessible.role: Accessible.AlertMessage
                 Accessible.name: frame.lastMessage
+
+                PointHandler {
+                    onActiveChanged: if (active)
+                        edit.byPointer = true
+                }
             }
+        }
+        FocusRing {
+            anchors.fill: view
+            shown: edit.visualFocus
+            cornerRadius: 4
         }
     }
 }

@@ -193,5 +193,20 @@ TEST_F(ErrorCard, itsWordsCanBeCopied) {
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("Copy"));
 }
 
+TEST_F(ErrorCard, aRingAroundItsWordsShowsThatTheKeysAreHereUnlessAPointerBroughtThem) {
+    QQuickItem& ring = shown_.where([](const QQuickItem& item) { return item.property("gap").isValid(); });
+    show(longMessage());
+    EXPECT_FALSE(ring.isVisible());
+    shown_.key(Qt::Key_Tab);
+    ASSERT_TRUE(text_.hasActiveFocus());
+    EXPECT_TRUE(ring.isVisible());
+    EXPECT_TRUE(ShownCard::place(ring).contains(ShownCard::place(area_)));
+    text_.setFocus(false);
+    EXPECT_FALSE(ring.isVisible());
+    QTest::mouseClick(&shown_.window, Qt::LeftButton, {}, ShownCard::place(area_).center().toPoint());
+    ASSERT_TRUE(text_.hasActiveFocus());
+    EXPECT_FALSE(ring.isVisible());
+}
+
 }  // namespace
 }  // namespace korvane
