@@ -15,7 +15,7 @@ from desk import key, until  # noqa: E402
 
 ACTING = {"push button", "check box", "slider", "combo box", "list", "list item", "text", "menu item", "toggle button"}
 FRESH = [
-    ("push button", "Minimise"), ("push button", "Maximise"), ("push button", "Close"),
+    ("push button", "Minimize"), ("push button", "Maximize"), ("push button", "Close"),
     ("combo box", "Spoken language"), ("push button", "Load Video"), ("push button", "Transcribe"),
     ("progress bar", "Progress"), ("combo box", "Font"), ("combo box", "Weight"), ("slider", "Size"),
     ("push button", "Color"), ("check box", "Shadow"), ("push button", "Shadow color"), ("slider", "Blur"),
@@ -79,6 +79,7 @@ class Keyboard(end_to_end_test.Case):
             seen.append(now)
         first = seen.index(("combo box", "Spoken language"))
         seen = seen[first:] + seen[:first]
+        self.assertEqual(seen[-3:], FRESH[:3], "the title buttons come last")
         words = [s for s in seen if s[0] in ("check box", "list", "list item") and s[1] not in
                  ("Shadow", "Spring bounce on entry")]
         self.assertEqual(len(words), 1, f"the words are one stop: {seen}")

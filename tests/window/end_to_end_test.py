@@ -7,9 +7,12 @@ import json
 import os
 import re
 import shutil
+import signal
+import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parent))
@@ -22,6 +25,11 @@ DEFAULTS = {
     "textColorR": 1, "textColorG": 1, "textColorB": 1, "hasShadow": True, "shadowColorR": 0, "shadowColorG": 0,
     "shadowColorB": 0, "shadowRadius": 8, "verticalPosition": 0.85, "hasPopAnimation": True,
 }
+
+
+def children_of(pid):
+    threads = Path(f"/proc/{pid}/task").iterdir()
+    return [int(child) for thread in threads for child in (thread / "children").read_text().split()]
 
 
 class Case(unittest.TestCase):
@@ -87,6 +95,7 @@ class Case(unittest.TestCase):
         key("ctrl+q")
         self.assertEqual(self.program.end(), 0, self.program.output())
         self.assertEqual(self.program.output(), "", "the program is quiet")
+        self.assertEqual([f.name for f in self.config.iterdir() if f.name != "korvane"], [], "nothing but the style is kept")
 
 
 class Workflow(Case):
@@ -233,6 +242,46 @@ class Stopping(Case):
         program.find("push button", "Close").click()
         self.assertEqual(program.end(), 0)
         self.assertEqual(list(self.temporary.iterdir()), [])
+
+
+    def test_a_polite_kill_in_the_middle_leaves_nothing(self):
+        program = self.start(self.video)
+        self.choose_english()
+        program.find("push button", "Transcribe").click()
+        program.find("push button", "Stop")
+        until("the sound", lambda: list(self.temporary.iterdir()))
+        helpers = children_of(program.process.pid)
+        program.process.send_signal(signal.SIGTERM)
+        self.assertEqual(program.end(), 0)
+        self.assertEqual(program.output(), "")
+        self.assertEqual(list(self.temporary.iterdir()), [])
+        self.assertEqual([pid for pid in helpers if Path(f"/proc/{pid}").exists()], [])
+
+
+class Rendering(Case):
+    def test_without_a_graphics_processor_the_processor_draws_and_nothing_is_left(self):
+        with unittest.mock.patch.dict(os.environ, {"QT_XCB_GL_INTEGRATION": "none"}):
+            del os.environ["XDG_RUNTIME_DIR"]
+            self.start()
+        environment = Path(f"/proc/{self.program.process.pid}/environ").read_bytes().split(b"\0")
+        self.assertIn(b"QT_QUICK_BACKEND=software", environment, "it started itself anew")
+        self.quit()
+        self.assertEqual(list(self.temporary.iterdir()), [])
+
+
+class Papers(unittest.TestCase):
+    def test_the_manual_is_well_formed_and_names_every_option_key_and_exit_code(self):
+        page = Path(__file__).resolve().parent.parent.parent / "app" / "korvane.1"
+        result = subprocess.run(["groff", "-man", "-Tutf8", "-ww", "-z", page], capture_output=True, text=True, check=True)
+        self.assertEqual(result.stderr, "")
+        text = page.read_text(encoding="utf-8").replace("\\-", "-")
+        help_text = subprocess.run([PROGRAM, "--help"], capture_output=True, text=True, check=True).stdout
+        options = re.findall(r"(?m)^ +(?:-\w, )?(--[a-z]+)", help_text)
+        self.assertIn("--version", options)
+        for word in (*options, "Ctrl+O", "Ctrl+Q", "Ctrl+W", "F11"):
+            self.assertIn(word, text)
+        for code in ("0", "1", "2", "130"):
+            self.assertRegex(text, rf"(?m)^\.B {code}$")
 
 
 class Refusals(Case):
