@@ -7,6 +7,8 @@ Rectangle {
     implicitWidth: 18
     implicitHeight: 18
     radius: 9
+    // Over a focus ring, which the knob reaches across at the edges.
+    z: 2
     border.width: 1
     border.color: Qt.rgba(0, 0, 0, 0.35)
 
