@@ -124,6 +124,13 @@ TEST_F(PlayerViewTest, anotherPlayerIsAskedAnewAndNothingOfTheOldOneIsSeen) {
     EXPECT_EQ(at(45, 80), QColor(Qt::blue));
 }
 
+TEST_F(PlayerViewTest, aPictureOfTheOldPlayerThatIsOnItsWayIsNotTakenForTheNewOnes) {
+    source.consumer().show(pictureOf(pixels(90, 160), Qt::red));
+    Q_EMIT source.sourceChanged();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(view().hasPicture());
+}
+
 TEST_F(PlayerViewTest, theSameSourceIsNotGivenAConsumerTwice) {
     view().setSource(&source);
     EXPECT_EQ(source.consumers.size(), 1U);
