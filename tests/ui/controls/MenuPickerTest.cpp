@@ -38,14 +38,15 @@ class Picker : public Stage {
     static bool isUnderThePointer(QQuickItem& row) {
         return part(row, "containsMouse").property("containsMouse").toBool();
     }
-    /// As the scene tells whenever anything in it moves.
-    bool comesUnderThePointer(QQuickItem& row) {
+    /// Until the row that lies where the pointer rests knows it, as the scene tells when anything in it
+    /// moves.
+    bool pointerIsHeeded() {
         return wait([&] {
             root().setRotation(root().rotation() == 0 ? 360 : 0);
-            return isUnderThePointer(row);
+            QQuickItem* row = rowAt(view().contentItem(), middle());
+            return row != nullptr && isUnderThePointer(*row);
         });
     }
-    int rowsUnderThePointer() { return rowsUnderThePointer(view().contentItem()); }
     void open() {
         // From elsewhere, as a pointer that is there already would not have moved.
         QTest::mouseMove(&view(), QPoint(1, 1));
@@ -55,12 +56,17 @@ class Picker : public Stage {
     }
 
   private:
-    static int rowsUnderThePointer(QQuickItem* from) {
-        int count = from->property("modelData").isValid() && isUnderThePointer(*from) ? 1 : 0;
-        for (QQuickItem* child : from->childItems()) {
-            count += rowsUnderThePointer(child);
+    static QQuickItem* rowAt(QQuickItem* from, const QPointF& place) {
+        if (from->property("modelData").isValid() && from->isVisible() &&
+            from->contains(from->mapFromScene(place))) {
+            return from;
         }
-        return count;
+        for (QQuickItem* child : from->childItems()) {
+            if (QQuickItem* below = rowAt(child, place)) {
+                return below;
+            }
+        }
+        return nullptr;
     }
     static QQuickItem& part(QQuickItem& row, const char* property) {
         for (QQuickItem* child : row.childItems()) {
@@ -216,7 +222,7 @@ TEST(MenuPicker, aPointerThatRestsWhereTheListOpensPicksNothing) {
     Picker picker(atTheEdge, QSize(300, 200));
     picker.open();
     QQuickItem* polish = picker.row("Polish");
-    ASSERT_TRUE(picker.comesUnderThePointer(*polish));
+    ASSERT_TRUE(picker.pointerIsHeeded());
     EXPECT_TRUE(picker.row("German (Germany)")->property("current").toBool());
     EXPECT_FALSE(polish->property("current").toBool());
     picker.key(Qt::Key_Return);
@@ -227,7 +233,7 @@ TEST(MenuPicker, aPointerThatMovesTakesTheKeysPlace) {
     Picker picker(atTheEdge, QSize(300, 200));
     picker.open();
     QQuickItem* polish = picker.row("Polish");
-    ASSERT_TRUE(picker.comesUnderThePointer(*polish));
+    ASSERT_TRUE(picker.pointerIsHeeded());
     QTest::mouseMove(&picker.view(), picker.middle() + QPoint(2, 0));
     EXPECT_TRUE(Stage::wait([&] { return polish->property("current").toBool(); }));
     QTest::mouseMove(&picker.view(), picker.row("French")->mapToScene(QPointF(40, 13)).toPoint());
@@ -242,9 +248,12 @@ TEST(MenuPicker, keysThatScrollTheListUnderARestingPointerKeepTheirPlace) {
     for (const auto& [key, label] : {std::pair(Qt::Key_End, "Row 39"), std::pair(Qt::Key_PageUp, "Row 27"),
                                      std::pair(Qt::Key_Home, "Row 0")}) {
         picker.key(key);
-        ASSERT_TRUE(Stage::wait([&] { return picker.row(label) != nullptr; })) << label;
-        // Until the scene has told the pointer what came to lie under it.
-        ASSERT_TRUE(Stage::wait([&] { return picker.rowsUnderThePointer() == 1; }));
+        ASSERT_TRUE(Stage::wait([&] {
+            const QQuickItem* row = picker.row(label);
+            return row != nullptr &&
+                   QRectF(0, 0, 300, 420).contains(row->mapRectToScene(row->boundingRect()));
+        })) << label;
+        ASSERT_TRUE(picker.pointerIsHeeded());
         EXPECT_TRUE(picker.row(label)->property("current").toBool()) << label;
     }
     picker.key(Qt::Key_Return);
