@@ -81,3 +81,15 @@ TEST(WordAccessibility, aWordReplacedUnderAReaderHasTheNewName) {
     EXPECT_EQ(read.list()->childCount(), 2);
     EXPECT_EQ(read.token(1)->text(QAccessible::Name), QStringLiteral("due"));
 }
+
+// What is off as an item is told as such by the program's own description of controls.
+TEST(WordAccessibility, tokensAreOffWhileNothingReacts) {
+    ReadWords read(40);
+    EXPECT_TRUE(read.flow().tokenOf(1)->isEnabled());
+    read.area().setProperty("reactive", false);
+    EXPECT_FALSE(read.flow().tokenOf(1)->isEnabled());
+    read.token(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(read.toggled.empty());
+    read.area().setProperty("reactive", true);
+    EXPECT_TRUE(read.flow().tokenOf(1)->isEnabled());
+}

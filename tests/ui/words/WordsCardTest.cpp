@@ -62,6 +62,44 @@ TEST(WordsCard, withoutWordsShowsTheEmptyStateInTheMiddle) {
     EXPECT_NEAR(empty.mapToScene({empty.width() / 2, 0}).x(), 210, 1);
 }
 
+TEST(WordsCard, theEmptyStateIsAFaintSymbolAboveItsLineInTheMiddleOfTheBody) {
+    Card card(0);
+    QQuickItem& empty = card.item("empty");
+    ASSERT_EQ(empty.childItems().size(), 2);
+    const QQuickItem& symbol = *empty.childItems().front();
+    EXPECT_EQ(symbol.property("name").toString(), QStringLiteral("text.bubble"));
+    EXPECT_EQ(symbol.property("size").toDouble(), 28);
+    EXPECT_EQ(symbol.property("color").value<QColor>().name(QColor::HexArgb),
+              Theme::white(0.18).name(QColor::HexArgb));
+    const auto place = [](const QQuickItem& item) { return item.mapRectToScene(QRectF({}, item.size())); };
+    const QRectF line = place(card.item("emptyText"));
+    EXPECT_LT(place(symbol).bottom(), line.top());
+    EXPECT_NEAR(place(symbol).center().x(), line.center().x(), 1);
+    for (const QSize size : {QSize(420, 360), QSize(700, 500)}) {
+        card.resize(size);
+        // Between the padding below the title and that of the card.
+        const double top = place(card.item("title")).bottom() + 10;
+        EXPECT_NEAR(place(empty).center().y(), (top + size.height() - 14) / 2, 1);
+        EXPECT_NEAR(place(empty).center().x(), size.width() / 2.0, 1);
+    }
+}
+
+TEST(WordsCard, aFaintDotStandsBetweenTheShortcutsWithTheSameRoomOnBothSides) {
+    Card card(30);
+    const QQuickItem& all = card.item("all");
+    const QQuickItem& none = card.item("none");
+    const QList<QQuickItem*> row = all.parentItem()->childItems();
+    ASSERT_EQ(row.size(), 3);
+    const QQuickItem& dot = *row.at(1);
+    EXPECT_EQ(dot.property("text").toString(), QStringLiteral("·"));
+    EXPECT_EQ(dot.property("font").value<QFont>().pixelSize(), 11);
+    EXPECT_EQ(dot.property("color").value<QColor>().name(QColor::HexArgb),
+              Theme::white(0.25).name(QColor::HexArgb));
+    EXPECT_NEAR(dot.x() - (all.x() + all.width()), 10, 0.01);
+    EXPECT_NEAR(none.x() - (dot.x() + dot.width()), 10, 0.01);
+    EXPECT_NEAR(none.mapToScene({none.width(), 0}).x(), 420 - 16, 0.01);
+}
+
 TEST(WordsCard, theShortcutsAndTokensTellWhatWasChosen) {
     Card card(30);
     card.clickOn("all");
