@@ -66,7 +66,7 @@ ExitCode showWindow(const StartOptions& options, char** arguments) {
 }
 
 ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
-    const auto display = findDisplay();
+    auto display = findDisplay();
     if (!display.problem.empty())
         return failedWith(display.problem, ExitCode::failed);
     if (!display.platform.empty())
@@ -76,6 +76,7 @@ ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
     const auto usualHandler = qInstallMessageHandler(explainAndLeave);
     QApplication application(argc, argv);
     qInstallMessageHandler(usualHandler);
+    display.connection.reset();
     settleLocale();
     QApplication::setApplicationName(QStringLiteral("korvane"));
     QApplication::setDesktopFileName(QStringLiteral("korvane"));

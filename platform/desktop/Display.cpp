@@ -16,13 +16,12 @@ std::string variable(const char* name) {
     return value == nullptr ? std::string() : std::string(value);
 }
 
-bool x11Answers(const std::string& display) {
+/// \return none when it doesn't answer.
+std::shared_ptr<xcb_connection_t> connectedToX11(const std::string& display) {
     if (display.empty())
-        return false;
-    xcb_connection_t* connection = xcb_connect(display.c_str(), nullptr);
-    const bool answers = xcb_connection_has_error(connection) == 0;
-    xcb_disconnect(connection);
-    return answers;
+        return nullptr;
+    std::shared_ptr<xcb_connection_t> connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect);
+    return xcb_connection_has_error(connection.get()) == 0 ? connection : nullptr;
 }
 
 /// The name is a path, or a socket in the session's folder.
@@ -78,8 +77,11 @@ DisplayChoice chooseDisplay(const DisplayEnvironment& environment, bool waylandA
 }
 
 DisplayChoice findDisplay(const DisplayEnvironment& environment) {
-    return chooseDisplay(environment, waylandAnswers(environment.waylandDisplay),
-                         x11Answers(environment.x11Display));
+    const auto connection = connectedToX11(environment.x11Display);
+    auto choice =
+        chooseDisplay(environment, waylandAnswers(environment.waylandDisplay), connection != nullptr);
+    choice.connection = connection;
+    return choice;
 }
 
 }  // namespace korvane

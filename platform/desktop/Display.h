@@ -1,7 +1,7 @@
 // Whether a window can be shown at all, found out before Qt is asked, which ends the process when it can't.
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace korvane {
@@ -20,6 +20,9 @@ struct DisplayChoice {
     std::string platform;
     /// One sentence for the person when there is no display; empty: there is one.
     std::string problem;
+    /// To the X server that answered; none otherwise. Keep it until the application object has one of its
+    /// own: a server that its last client leaves starts afresh, and refuses everybody meanwhile.
+    std::shared_ptr<void> connection = nullptr;
     friend bool operator==(const DisplayChoice&, const DisplayChoice&) = default;
 };
 
