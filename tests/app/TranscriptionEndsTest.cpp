@@ -1,6 +1,8 @@
 // How a transcription ends when it is stopped, fails or loses its screen, in each of its phases.
+#include <atomic>
 #include <new>
 #include <stdexcept>
+#include <thread>
 
 #include "media/ProcessingError.h"
 #include "platform/ffmpeg/MediaError.h"
@@ -211,40 +213,104 @@ TEST_P(TranscriptionEnds, aScreenThatGoesAfterAStopJoinsTheUnwindingTaskToo) {
     EXPECT_FALSE(std::filesystem::exists(audio_));
 }
 
-TEST_P(TranscriptionEnds, progressThatComesAfterTheScreenIsDropped) {
+using LateProgress = Screen;
+
+TEST_F(LateProgress, thatComesAfterTheScreenIsTakenFromTheQueueAndDropped) {
+    loadVideo();
     OnProgress late;
     Gate gate;
-    script_->extract = [&, inner = script_->extract](const auto& from, const OnProgress& onProgress,
-                                                     const auto& stop) {
+    script_->extract = [&](const auto&, const OnProgress& onProgress,
+                           const std::stop_token& stop) -> ExtractedAudio {
         late = onProgress;
-        return inner(from, onProgress, stop);
+        onProgress(0.6);  // still waits in the queue when the screen goes
+        gate.pass(stop);
+        return {audio_, 1.0};
     };
-    startAndReach(gate);
+    record();
+    view().startTranscription();
+    runUntil([&] { return view().statusText() == QStringLiteral("Extracting audio…"); });
+    gate.waitUntilReached();
+    log_.clear();
     view_.reset();
-    if (late) {
-        late(0.7);
-        std::thread([&] { late(0.8); }).join();
-    }
-    QCoreApplication::processEvents();
-    SUCCEED();  // what counts is that nothing touched the screen that was
+    ASSERT_TRUE(late);
+    late(0.7);
+    std::thread([&] { late(0.8); }).join();
+    bool everythingBeforeRan = false;
+    queue_.post([&] { everythingBeforeRan = true; });
+    runUntil([&] { return everythingBeforeRan; });
+    EXPECT_EQ(log_, std::vector<std::string>{});
+}
+
+TEST_F(LateProgress, thatComesAfterItsOperationMovesNothing) {
+    loadVideo();
+    OnProgress late;
+    script_->recognise = [&](const auto&, double, const auto&, const OnProgress& onProgress,
+                             const auto&) -> Words {
+        late = onProgress;
+        onProgress(0.5);
+        throw SpeechError::permissionDenied();
+    };
+    transcribe();
+    ASSERT_TRUE(late);
+    const double reached = view().overallProgress();
+    record();
+    late(0.7);
+    std::thread([&] { late(0.8); }).join();
+    bool everythingBeforeRan = false;
+    queue_.post([&] { everythingBeforeRan = true; });
+    runUntil([&] { return everythingBeforeRan; });
+    EXPECT_EQ(view().overallProgress(), reached);
+    EXPECT_EQ(log_, std::vector<std::string>{});
 }
 
 using TranscriptionFiles = Screen;
 
+TEST_F(TranscriptionFiles, aStopThatTheExtractionDidNotHearEndsTheRecognition) {
+    loadVideo();
+    Gate extraction;
+    bool wasThere = false;
+    script_->extract = [&, inner = script_->extract](const auto& from, const auto& onProgress,
+                                                     const auto& stop) {
+        extraction.passDeaf();
+        return inner(from, onProgress, stop);
+    };
+    script_->recognise = [&](const auto& url, double, const auto&, const auto&, const std::stop_token& stop) {
+        wasThere = std::filesystem::exists(url);
+        checkCancelled(stop);
+        return wordsOf({"never"});
+    };
+    view().startTranscription();
+    runUntil([&] { return extraction.isReached(); });
+    view().stopTranscription();
+    extraction.open();
+    runUntilIdle();
+    EXPECT_TRUE(wasThere);
+    EXPECT_EQ(view().statusText().toStdString(), "Cancelled");
+    EXPECT_FALSE(view().isProcessing());
+    EXPECT_FALSE(view().transcriptionTask().has_value());
+    EXPECT_FALSE(view().hasError());
+    EXPECT_TRUE(view().segments().empty());
+    EXPECT_FALSE(std::filesystem::exists(audio_));
+}
+
 TEST_F(TranscriptionFiles, soundThatNobodyTakesAnyMoreIsDeletedToo) {
     loadVideo();
     Gate extracted;
+    std::atomic<bool> isWritten = false;
     script_->extract = [&, inner = script_->extract](const auto& from, const auto& onProgress,
-                                                     const auto& stop) {
+                                                     const std::stop_token& stop) {
+        // The end of the screen asks for the stop and then waits: only now does the sound arrive.
+        const std::stop_callback leaving(stop, [&] { extracted.open(); });
         const ExtractedAudio result = inner(from, onProgress, stop);
+        isWritten = std::filesystem::exists(result.url);
         extracted.passDeaf();
         return result;
     };
-    extracted.open();
     view().startTranscription();
     runUntil([&] { return extracted.isReached(); });
+    ASSERT_TRUE(isWritten);
     view_.reset();
-    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();  // drops what the worker left in the queue
     EXPECT_FALSE(std::filesystem::exists(audio_));
 }
 
@@ -290,6 +356,23 @@ TEST_F(TranscriptionFiles, theDotTellsHowItEnded) {
     script_->permission = [](const auto&) { throw SpeechError::permissionDenied(); };
     transcribe();
     EXPECT_EQ(view().dotColor(), Theme::white(0.25));
+}
+
+TEST_F(TranscriptionFiles, theDotTellsThatAStopCamePartWay) {
+    loadVideo();
+    Gate gate;
+    script_->recognise = [&](const auto&, double, const auto&, const auto&, const std::stop_token& stop) {
+        gate.pass(stop);
+        return Words();
+    };
+    view().startTranscription();
+    runUntil([&] { return gate.isReached(); });
+    EXPECT_EQ(view().dotColor(), Theme::accent());
+    view().stopTranscription();
+    EXPECT_EQ(view().dotColor(), Theme::accent());  // it still runs
+    runUntilIdle();
+    EXPECT_EQ(view().statusText().toStdString(), "Cancelled");
+    EXPECT_EQ(view().dotColor(), Theme::orange());
 }
 
 TEST_F(TranscriptionFiles, aStopWithoutATaskDoesNothing) {
