@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QTimer>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -206,12 +207,14 @@ class Screen : public testing::Test {
     }
     static ExportBundle someBundle() { return {nullptr, {}, {}, "video.mp4", {}, MediaTime()}; }
 
-    /// Runs the event loop until it is so; fails after ten seconds.
+    /// Runs the event loop until it is so, asleep between events; fails after ten seconds.
     static void runUntil(const std::function<bool()>& condition) {
         const QDeadlineTimer deadline(10'000);
+        QTimer look;  // for what becomes so on a worker, which wakes nobody
+        look.start(5);
         while (!condition()) {
             ASSERT_FALSE(deadline.hasExpired());
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
     }
     void runUntilIdle() {
