@@ -26,6 +26,8 @@ ContentView::ContentView(Dependencies dependencies, QObject* parent)
       defaults_(dependencies.defaults),
       filePanels_(dependencies.filePanels),
       now_(std::move(dependencies.now)),
+      makePlayer_(std::move(dependencies.makePlayer)),
+      announcements_(std::move(dependencies.announcements)),
       subtitleSettings_(SubtitleSettings::load(defaults_)),
       videoProcessor_(std::move(dependencies.videoProcessor)),
       speechService_(std::move(dependencies.speechService)),
@@ -160,21 +162,19 @@ void ContentView::setIsExporting(bool active) {
 }
 
 void ContentView::activityChanged() {
+    if (!isAnyActive())
+        mayEndEverything_ = false;  // what was agreed to has happened
     Q_EMIT isAnyActiveChanged();
     Q_EMIT canTranscribeChanged();
+    Q_EMIT canPreviewChanged();
+    Q_EMIT canExportChanged();
+    Q_EMIT closeQuestionNeededChanged();
     Q_EMIT progressTextsChanged();
 }
 
 void ContentView::setErrorMessage(std::optional<std::string> message) {
     if (assign(errorMessage_, std::move(message)))
         Q_EMIT errorMessageChanged();
-}
-
-void ContentView::setPreviewBundle(std::optional<ExportBundle> bundle) {
-    if (!bundle && !previewBundle_)
-        return;
-    previewBundle_ = std::move(bundle);
-    Q_EMIT previewBundleChanged();
 }
 
 void ContentView::setOverallProgress(double progress) {

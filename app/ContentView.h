@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "app/PreviewPictures.h"
 #include "editor/ExportBundle.h"
 #include "editor/VideoEditor.h"
 #include "media/SpeechService.h"
@@ -26,6 +27,7 @@
 #include "model/Language.h"
 #include "model/SpeechSegment.h"
 #include "model/SubtitleSettings.h"
+#include "platform/av/PreviewPlayer.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/desktop/FilePanels.h"
 #include "platform/tasks/MainQueue.h"
@@ -34,8 +36,6 @@
 #include "ui/words/WordListModel.h"
 
 namespace korvane {
-
-class Player;
 
 class ContentView : public QObject {
     Q_OBJECT
@@ -66,9 +66,27 @@ class ContentView : public QObject {
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY selectedWordIndicesChanged)
     Q_PROPERTY(QString exportSummary READ exportSummary NOTIFY selectedWordIndicesChanged)
     Q_PROPERTY(QString exportDurationText READ exportDurationText NOTIFY selectedWordIndicesChanged)
+    Q_PROPERTY(bool hasPreview READ hasPreview NOTIFY hasPreviewChanged)
+    Q_PROPERTY(korvane::PreviewSource* previewSource READ previewSource CONSTANT)
+    Q_PROPERTY(QString currentSubtitle READ currentSubtitle NOTIFY currentSubtitleChanged)
+    Q_PROPERTY(bool isBuildingPreview READ isBuildingPreview NOTIFY isBuildingPreviewChanged)
+    Q_PROPERTY(bool isExporting READ isExporting NOTIFY isExportingChanged)
+    Q_PROPERTY(bool canPreview READ canPreview NOTIFY canPreviewChanged)
+    Q_PROPERTY(bool canExport READ canExport NOTIFY canExportChanged)
+    Q_PROPERTY(bool stopVisible READ stopVisible NOTIFY isAnyActiveChanged)
+    Q_PROPERTY(bool hasExportedFile READ hasExportedFile NOTIFY exportedFileChanged)
+    Q_PROPERTY(bool closeQuestionNeeded READ closeQuestionNeeded NOTIFY closeQuestionNeededChanged)
 
   public:
     using Date = std::chrono::system_clock::time_point;
+
+    /// What the desktop does for a finished export. None of it may wait for anybody.
+    struct ExportAnnouncements {
+        /// Whether a person has the window before them, and needs nothing else to see how it went.
+        std::function<bool()> isInFront = [] { return true; };
+        std::function<void(const QString& summary, const QString& body)> notify = [](auto&&...) {};
+        std::function<void(const std::filesystem::path& file)> showInFolder = [](auto&&...) {};
+    };
 
     /// What the references stand for must outlive the screen; the queue also every thread that a service may
     /// still report from.
@@ -80,6 +98,8 @@ class ContentView : public QObject {
         std::unique_ptr<SpeechService> speechService;
         std::unique_ptr<VideoEditor> videoEditor;
         std::function<Date()> now = std::chrono::system_clock::now;
+        PreviewPlayerMaker makePlayer = {};  ///< without it, every preview fails
+        ExportAnnouncements announcements = {};
     };
 
     explicit ContentView(Dependencies dependencies, QObject* parent = nullptr);
@@ -98,11 +118,19 @@ class ContentView : public QObject {
     const std::set<int>& selectedWordIndices() const { return selectedWordIndices_; }
     const SubtitleSettings& subtitleSettings() const { return subtitleSettings_; }
     const std::optional<ExportBundle>& previewBundle() const { return previewBundle_; }
+    const std::shared_ptr<PreviewPlayer>& previewPlayer() const { return previewPlayer_; }
     bool isBuildingPreview() const { return isBuildingPreview_; }
+    const std::optional<TaskHandle>& buildPreviewTask() const { return buildPreviewTask_; }
     bool isExporting() const { return isExporting_; }
+    const std::optional<TaskHandle>& exportTask() const { return exportTask_; }
+    const QString& currentSubtitle() const { return currentSubtitle_; }
+    /// None unless the preview is seen.
+    const QTimer* subtitleTimer() const { return subtitleTimer_.get(); }
     double overallProgress() const { return overallProgress_; }
     const QString& statusText() const { return statusText_; }
     const std::optional<Date>& processingStartTime() const { return processingStartTime_; }
+    /// The reel that the last operation wrote; none after any other.
+    const std::optional<std::filesystem::path>& exportedFile() const { return exportedFile_; }
 
     // What is derived from it, made anew at each call.
     bool isAnyActive() const { return isProcessing_ || isBuildingPreview_ || isExporting_; }
@@ -111,6 +139,13 @@ class ContentView : public QObject {
     bool hasError() const { return errorMessage_.has_value(); }
     bool hasWords() const { return !segments_.empty(); }
     bool hasSelection() const { return !selectedWordIndices_.empty(); }
+    bool hasPreview() const { return previewPlayer_ && previewBundle_; }
+    bool canPreview() const { return hasSelection() && !isAnyActive(); }
+    bool canExport() const { return previewBundle_ && !isAnyActive(); }
+    bool stopVisible() const { return isBuildingPreview_ || isExporting_; }
+    bool hasExportedFile() const { return exportedFile_.has_value(); }
+    /// Whether closing the window now would end something that nobody has agreed to end.
+    bool closeQuestionNeeded() const { return isAnyActive() && !mayEndEverything_; }
     /// The time that the running operation still takes; none while nobody can tell.
     std::optional<std::string> etaText() const;
     /// The same, empty for none.
@@ -137,12 +172,14 @@ class ContentView : public QObject {
 
     WordListModel* words() { return &words_; }
     StyleEditor* styleEditor() { return &styleEditor_; }
+    PreviewSource* previewSource() { return &pictures_; }
 
     void setSelectedLanguage(const Language& language);
     /// Saves the style too; one that can't be saved counts until the end of the program.
     void setSubtitleSettings(const SubtitleSettings& settings);
 
-    // What a person does. While an operation runs, only stopTranscription() and the style do anything.
+    // What a person does. While an operation runs, only its stop, the preview shown and the style do
+    // anything.
     /// An index outside of languages() is ignored.
     Q_INVOKABLE void selectLanguage(int index);
     /// Shows the panel; the event loop runs meanwhile.
@@ -160,6 +197,26 @@ class ContentView : public QObject {
     Q_INVOKABLE void toggleWord(int index);
     Q_INVOKABLE void selectAllWords();
     Q_INVOKABLE void selectNoWords();
+    /// Builds the reel of the chosen words and plays it in a loop; a preview that is shown goes first.
+    Q_INVOKABLE void startPreview();
+    Q_INVOKABLE void closePreview();
+    /// Plays or pauses the preview shown; nothing while it is still being made ready.
+    Q_INVOKABLE void togglePlayback();
+    /// For the view, when the area with the picture comes and goes. What nobody sees is not heard either.
+    Q_INVOKABLE void previewAppeared();
+    Q_INVOKABLE void previewDisappeared();
+    /// Asks where to, then writes exactly what was previewed and gives the preview up. The event loop runs
+    /// behind the panel.
+    Q_INVOKABLE void exportReel();
+    /// Request the end and return, as stopTranscription() does.
+    void stopBuildPreview();
+    void stopExport();
+    Q_INVOKABLE void stopPreviewOrExport();
+    /// Opens the file manager at the exported file.
+    Q_INVOKABLE void showExportInFolder();
+    /// When a person agrees to close the window: requests the end of whatever runs, and closing needs no
+    /// question until it has ended. Destroying the screen waits for that.
+    Q_INVOKABLE void cancelEverything();
 
   Q_SIGNALS:
     void selectedURLChanged();
@@ -172,6 +229,8 @@ class ContentView : public QObject {
     void previewBundleChanged();
     void isBuildingPreviewChanged();
     void isExportingChanged();
+    void currentSubtitleChanged();
+    void exportedFileChanged();
     void overallProgressChanged();
     void statusTextChanged();
     void processingStartTimeChanged();
@@ -180,6 +239,10 @@ class ContentView : public QObject {
     void canTranscribeChanged();
     void progressTextsChanged();
     void emptyStateTextChanged();
+    void hasPreviewChanged();
+    void canPreviewChanged();
+    void canExportChanged();
+    void closeQuestionNeededChanged();
 
   private:
     friend struct ContentViewPeer;  // tests set what no workflow of theirs sets
@@ -189,18 +252,35 @@ class ContentView : public QObject {
     void beginTranscription();
     void showTranscript(std::vector<SpeechSegment> words);
 
+    /// Builds the bundle, makes its player ready at the loop point, plays.
+    MainTask runBuildPreview();
+    void beginBuildingPreview();
+    /// The player of the bundle shown, which goes back to the loop point at each end.
+    std::shared_ptr<PreviewPlayer> makeLoopingPlayer(const ExportBundle& bundle) const;
+    void showCurrentSubtitle();
+
+    MainTask runExport(std::filesystem::path videoURL, std::vector<SpeechSegment> segments,
+                       SubtitleSettings subtitleSettings, std::filesystem::path outputURL);
+    void beginExporting();
+    void announce(const QString& summary, const QString& body) const;
+
     void loadVideo(const std::filesystem::path& path);
     void setSelectedURL(std::optional<std::filesystem::path> url);
     void setIsProcessing(bool active);
     void setIsBuildingPreview(bool active);
     void setIsExporting(bool active);
     void activityChanged();
+    void choiceChanged();
     /// Chooses all of them. Words and choice change together, so that no observer meets an index without a
     /// word; their signals come one after the other.
     void setWords(std::vector<SpeechSegment> words);
     void setSelectedWordIndices(std::set<int> selected);
     void setErrorMessage(std::optional<std::string> message);
     void setPreviewBundle(std::optional<ExportBundle> bundle);
+    /// Without a player there is no subtitle and nothing that looks for one.
+    void setPreviewPlayer(std::shared_ptr<PreviewPlayer> player);
+    void setCurrentSubtitle(const QString& text);
+    void setExportedFile(std::optional<std::filesystem::path> file);
     void setOverallProgress(double progress);
     void setStatusText(const QString& text);
     void setProcessingStartTime(std::optional<Date> time);
@@ -209,6 +289,8 @@ class ContentView : public QObject {
     UserDefaults& defaults_;
     FilePanels& filePanels_;
     std::function<Date()> now_;
+    PreviewPlayerMaker makePlayer_;
+    ExportAnnouncements announcements_;
 
     std::optional<std::filesystem::path> selectedURL_;
     Language selectedLanguage_ = languages().front();
@@ -219,7 +301,7 @@ class ContentView : public QObject {
     std::set<int> selectedWordIndices_;
     SubtitleSettings subtitleSettings_;
     std::optional<ExportBundle> previewBundle_;
-    std::shared_ptr<Player> previewPlayer_;
+    std::shared_ptr<PreviewPlayer> previewPlayer_;
     bool isBuildingPreview_ = false;
     std::optional<TaskHandle> buildPreviewTask_;
     bool isExporting_ = false;
@@ -229,13 +311,16 @@ class ContentView : public QObject {
     double overallProgress_ = 0.0;
     QString statusText_ = QStringLiteral("Ready");
     std::optional<Date> processingStartTime_;
+    std::optional<std::filesystem::path> exportedFile_;
     std::unique_ptr<VideoProcessor> videoProcessor_;
     std::unique_ptr<SpeechService> speechService_;
     std::unique_ptr<VideoEditor> videoEditor_;
 
     WordListModel words_;
     StyleEditor styleEditor_;
+    PreviewPictures pictures_;
     bool isPanelOpen_ = false;
+    bool mayEndEverything_ = false;
     TaskScope tasks_;  // also tasks that are still unwinding after their handle was given up
 };
 

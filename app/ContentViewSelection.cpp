@@ -59,7 +59,7 @@ void ContentView::toggleWord(int index) {
     if (selectedWordIndices_.erase(index) == 0)
         selectedWordIndices_.insert(index);
     words_.selectionChanged(index, index);
-    Q_EMIT selectedWordIndicesChanged();
+    choiceChanged();
 }
 
 void ContentView::selectAllWords() {
@@ -72,12 +72,17 @@ void ContentView::selectNoWords() {
         setSelectedWordIndices({});
 }
 
+void ContentView::choiceChanged() {
+    Q_EMIT selectedWordIndicesChanged();
+    Q_EMIT canPreviewChanged();
+}
+
 void ContentView::setSelectedWordIndices(std::set<int> selected) {
     if (selected == selectedWordIndices_)
         return;
     selectedWordIndices_ = std::move(selected);
     words_.selectionChanged(0, static_cast<int>(segments_.size()) - 1);
-    Q_EMIT selectedWordIndicesChanged();
+    choiceChanged();
 }
 
 void ContentView::setWords(std::vector<SpeechSegment> words) {
@@ -91,7 +96,7 @@ void ContentView::setWords(std::vector<SpeechSegment> words) {
         Q_EMIT segmentsChanged();
     }
     if (choiceChanges)
-        Q_EMIT selectedWordIndicesChanged();
+        choiceChanged();
 }
 
 }  // namespace korvane

@@ -54,6 +54,7 @@ void ContentView::loadVideo(const std::filesystem::path& path) {
     setErrorMessage(std::nullopt);
     setOverallProgress(0.0);
     setStatusText(QStringLiteral("Ready"));
+    setExportedFile(std::nullopt);
 }
 
 }  // namespace korvane

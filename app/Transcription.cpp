@@ -43,6 +43,7 @@ void ContentView::beginTranscription() {
     setErrorMessage(std::nullopt);
     setProcessingStartTime(now_());
     setStatusText(QStringLiteral("Requesting permission…"));
+    setExportedFile(std::nullopt);
 }
 
 MainTask ContentView::runTranscription() {

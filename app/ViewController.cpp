@@ -47,9 +47,17 @@ ViewController::~ViewController() = default;
 
 void ViewController::viewDidLoad() {
     contentView_ = std::make_unique<ContentView>(ContentView::Dependencies{
-        mainQueue_, defaults_, filePanels_, std::make_unique<VideoProcessor>(mainQueue_),
-        std::make_unique<SpeechService>(mainQueue_, authorization_, *recognizers_),
-        std::make_unique<VideoEditor>(mainQueue_, silentLog())});
+        .mainQueue = mainQueue_,
+        .defaults = defaults_,
+        .filePanels = filePanels_,
+        .videoProcessor = std::make_unique<VideoProcessor>(mainQueue_),
+        .speechService = std::make_unique<SpeechService>(mainQueue_, authorization_, *recognizers_),
+        .videoEditor = std::make_unique<VideoEditor>(mainQueue_, silentLog()),
+        .makePlayer = [this](std::shared_ptr<PlayerItem> item) { return makePlayer(std::move(item)); },
+        .announcements = {.isInFront = [this] { return window_ && window_->isActive(); },
+                          .notify = [this](const QString& summary,
+                                           const QString& body) { notifications_.show(summary, body); },
+                          .showInFolder = [this](const auto& file) { fileManager_.show(file); }}});
 
     engine_ = std::make_unique<QQmlEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
@@ -78,6 +86,13 @@ void ViewController::viewDidAppear() {
 void ViewController::openVideo(const std::filesystem::path& path) {
     contentView_->openDroppedFile(QUrl::fromLocalFile(
         QFile::decodeName(QByteArray::fromStdString(std::filesystem::absolute(path).string()))));
+}
+
+std::shared_ptr<PreviewPlayer> ViewController::makePlayer(std::shared_ptr<PlayerItem> item) {
+    // Finding the sound devices takes longer than starting up may.
+    if (!sound_)
+        sound_ = std::make_unique<QtAudioOutputFactory>();
+    return realPreviewPlayers(mainQueue_, playbackClock_, *sound_)(std::move(item));
 }
 
 void ViewController::prefetchOnceDrawn() {

@@ -9,7 +9,10 @@
 #include "app/WindowFrame.h"
 #include "platform/defaults/FileUserDefaults.h"
 #include "platform/desktop/DesktopSettings.h"
+#include "platform/desktop/FileManager.h"
+#include "platform/desktop/Notifications.h"
 #include "platform/desktop/SystemFilePanels.h"
+#include "platform/sound/QtAudioOutputFactory.h"
 #include "platform/speech/SpeechRecognizerRegistry.h"
 #include "platform/speech/SystemSpeechAuthorization.h"
 #include "platform/tasks/QtMainQueue.h"
@@ -45,6 +48,7 @@ class ViewController : public QObject {
     ContentView* contentView() const { return contentView_.get(); }
 
   private:
+    std::shared_ptr<PreviewPlayer> makePlayer(std::shared_ptr<PlayerItem> item);
     void prefetchOnceDrawn();
 
     // In the order in which they need each other; destroyed from the last to the first.
@@ -55,6 +59,10 @@ class ViewController : public QObject {
     SystemFilePanels filePanels_;
     DesktopSettings settings_;
     WindowFrame frame_;
+    Notifications notifications_;
+    FileManager fileManager_;
+    SteadyPlaybackClock playbackClock_;
+    std::unique_ptr<QtAudioOutputFactory> sound_;  ///< null until the first preview
     std::unique_ptr<ContentView> contentView_;
     std::unique_ptr<QQmlEngine> engine_;
     std::unique_ptr<QQuickWindow> window_;

@@ -21,6 +21,7 @@
 #include "platform/defaults/MemoryUserDefaults.h"
 #include "platform/tasks/Cancellation.h"
 #include "platform/tasks/QtMainQueue.h"
+#include "tests/app/ScriptedPlayers.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace korvane {
@@ -99,6 +100,12 @@ struct Script {
     std::function<Words(const std::filesystem::path&, double, const Locale&, const OnProgress&,
                         const std::stop_token&)>
         recognise;
+    std::function<ExportBundle(const std::filesystem::path&, const Words&, const SubtitleSettings&,
+                               const std::stop_token&)>
+        build;
+    std::function<void(const std::filesystem::path&, const Words&, const SubtitleSettings&,
+                       const std::filesystem::path&, const OnProgress&, const std::stop_token&)>
+        write;
 };
 
 class ScriptedVideoProcessor final : public VideoProcessor {
@@ -134,18 +141,41 @@ class ScriptedSpeechService final : public SpeechService {
     std::shared_ptr<Script> script_;
 };
 
+class ScriptedVideoEditor final : public VideoEditor {
+  public:
+    ScriptedVideoEditor(MainQueue& queue, std::shared_ptr<Script> script)
+        : VideoEditor(queue, silentLog()), script_(std::move(script)) {}
+    ExportBundle buildBundle(const std::filesystem::path& video, const Words& words,
+                             const SubtitleSettings& style, std::stop_token stop) const override {
+        return script_->build(video, words, style, stop);
+    }
+    void exportVideo(const std::filesystem::path& video, const Words& words, const SubtitleSettings& style,
+                     const std::filesystem::path& output, OnProgress onProgress,
+                     std::stop_token stop) const override {
+        script_->write(video, words, style, output, onProgress, stop);
+    }
+
+  private:
+    std::shared_ptr<Script> script_;
+};
+
 class ScriptedPanels final : public FilePanels {
   public:
     std::optional<std::filesystem::path> answer;
     std::function<void()> meanwhile = [] {};
     std::vector<OpenPanelRequest> requests;
+    std::vector<SavePanelRequest> saveRequests;
 
     std::optional<std::filesystem::path> runOpenPanel(const OpenPanelRequest& request) override {
         requests.push_back(request);
         meanwhile();
         return answer;
     }
-    std::optional<std::filesystem::path> runSavePanel(const SavePanelRequest&) override { return {}; }
+    std::optional<std::filesystem::path> runSavePanel(const SavePanelRequest& request) override {
+        saveRequests.push_back(request);
+        meanwhile();
+        return answer;
+    }
 };
 
 class Screen : public testing::Test {
@@ -158,6 +188,8 @@ class Screen : public testing::Test {
     SpeechRecognizerRegistry registry_{{}};
     ContentView::Date now_{std::chrono::seconds(1'000'000)};
     std::shared_ptr<Script> script_ = std::make_shared<Script>();
+    PlayerScript players_;
+    bool isInFront_ = true;
     std::filesystem::path audio_ = folder_.path() / "audio.m4a";
     std::unique_ptr<ContentView> view_;
     std::vector<std::string> log_;
@@ -170,11 +202,22 @@ class Screen : public testing::Test {
         script_->recognise = [](const auto&, double, const auto&, const auto&, const auto&) {
             return wordsOf({"one", "two", "three"});
         };
+        script_->build = [](const auto& video, const Words& words, const auto& style, const auto&) {
+            return bundleOf(video, words, style);
+        };
+        script_->write = [](const auto&, const auto&, const auto&, const auto& output, const auto&,
+                            const auto&) { std::ofstream(output) << "reel"; };
+        players_.note = [this](const std::string& line) { log_.push_back(line); };
         view_ = makeView(defaults_);
     }
     ~Screen() override { view_.reset(); }
 
     std::unique_ptr<ContentView> makeView(UserDefaults& defaults) {
+        return makeView(defaults, [this](const std::shared_ptr<PlayerItem>& item) {
+            return std::make_shared<ScriptedPlayer>(players_, item);
+        });
+    }
+    std::unique_ptr<ContentView> makeView(UserDefaults& defaults, PreviewPlayerMaker makePlayer) {
         return std::make_unique<ContentView>(ContentView::Dependencies{
             .mainQueue = queue_,
             .defaults = defaults,
@@ -182,8 +225,16 @@ class Screen : public testing::Test {
             .videoProcessor = std::make_unique<ScriptedVideoProcessor>(queue_, script_),
             .speechService =
                 std::make_unique<ScriptedSpeechService>(queue_, authorization_, registry_, script_),
-            .videoEditor = std::make_unique<VideoEditor>(queue_, silentLog()),
-            .now = [this] { return now_; }});
+            .videoEditor = std::make_unique<ScriptedVideoEditor>(queue_, script_),
+            .now = [this] { return now_; },
+            .makePlayer = std::move(makePlayer),
+            .announcements = {
+                .isInFront = [this] { return isInFront_; },
+                .notify =
+                    [this](const QString& summary, const QString& body) {
+                        log_.push_back("notify " + summary.toStdString() + ": " + body.toStdString());
+                    },
+                .showInFolder = [this](const auto& file) { log_.push_back("show " + file.string()); }}});
     }
 
     ContentViewPeer peer() { return ContentViewPeer(*view_); }
@@ -198,6 +249,12 @@ class Screen : public testing::Test {
         }
         return words;
     }
+    static std::vector<std::string> textsOf(const Words& words) {
+        std::vector<std::string> texts;
+        for (const SpeechSegment& word : words)
+            texts.push_back(word.text());
+        return texts;
+    }
     static Words manyWords(std::size_t count) { return wordsOf(std::vector<std::string>(count, "word")); }
     static std::set<int> upTo(int count) {
         std::set<int> all;
@@ -206,6 +263,13 @@ class Screen : public testing::Test {
         return all;
     }
     static ExportBundle someBundle() { return {nullptr, {}, {}, "video.mp4", {}, MediaTime()}; }
+    /// A lead-in of 0.25 s and two lines.
+    static ExportBundle bundleOf(const std::filesystem::path& video, const Words& words,
+                                 const SubtitleSettings& style, MediaTime preroll = {150, 600}) {
+        auto item =
+            std::make_shared<PlayerItem>(std::make_shared<Composition>(), VideoComposition(), std::nullopt);
+        return {std::move(item), {{0.25, 1.2, "A"}, {1.2, 2.0, "B"}}, style, video, words, preroll};
+    }
 
     /// Runs the event loop until it is so, asleep between events; fails after ten seconds.
     static void runUntil(const std::function<bool()>& condition) {
@@ -218,9 +282,18 @@ class Screen : public testing::Test {
         }
     }
     void runUntilIdle() {
-        runUntil([this] { return !view_->isProcessing(); });
+        runUntil([this] { return !view_->isAnyActive(); });
     }
     void loadVideo() { peer().setURL(folder_.path() / "clip.mp4"); }
+    /// A video with three words, all chosen.
+    void loadWords() {
+        loadVideo();
+        peer().setWords(wordsOf({"one", "two", "three"}));
+    }
+    void showPreview() {
+        view_->startPreview();
+        runUntilIdle();
+    }
     void transcribe() {
         view_->startTranscription();
         runUntilIdle();
@@ -249,6 +322,17 @@ class Screen : public testing::Test {
         note(&ContentView::overallProgressChanged,
              [&v] { return "progress " + QString::number(v.overallProgress()).toStdString(); });
         note(&ContentView::statusTextChanged, [&v] { return "status " + v.statusText().toStdString(); });
+        note(&ContentView::isBuildingPreviewChanged,
+             [&v] { return "building " + textOf(v.isBuildingPreview()); });
+        note(&ContentView::isExportingChanged, [&v] { return "exporting " + textOf(v.isExporting()); });
+        note(&ContentView::currentSubtitleChanged,
+             [&v] { return "subtitle " + v.currentSubtitle().toStdString(); });
+        note(&ContentView::exportedFileChanged, [&v] {
+            return "exported " + (v.exportedFile() ? v.exportedFile()->filename().string() : "none");
+        });
+        QObject::connect(view_->previewSource(), &PreviewSource::sourceChanged, view_.get(), [this] {
+            log_.push_back(std::string("player ") + (view_->previewPlayer() ? "some" : "none"));
+        });
         note(&ContentView::processingStartTimeChanged, [&v] { return std::string("start"); });
     }
 };
