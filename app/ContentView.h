@@ -69,6 +69,7 @@ class ContentView : public QObject {
     Q_PROPERTY(bool hasPreview READ hasPreview NOTIFY hasPreviewChanged)
     Q_PROPERTY(korvane::PreviewSource* previewSource READ previewSource CONSTANT)
     Q_PROPERTY(QString currentSubtitle READ currentSubtitle NOTIFY currentSubtitleChanged)
+    Q_PROPERTY(QStringList reelTexts READ reelTexts NOTIFY previewBundleChanged)
     Q_PROPERTY(bool isBuildingPreview READ isBuildingPreview NOTIFY isBuildingPreviewChanged)
     Q_PROPERTY(bool isExporting READ isExporting NOTIFY isExportingChanged)
     Q_PROPERTY(bool canPreview READ canPreview NOTIFY canPreviewChanged)
@@ -139,6 +140,8 @@ class ContentView : public QObject {
     bool hasError() const { return errorMessage_.has_value(); }
     bool hasWords() const { return !segments_.empty(); }
     bool hasSelection() const { return !selectedWordIndices_.empty(); }
+    /// Every line of the reel that is previewed.
+    QStringList reelTexts() const;
     bool hasPreview() const { return previewPlayer_ && previewBundle_; }
     bool canPreview() const { return hasSelection() && !isAnyActive(); }
     bool canExport() const { return previewBundle_ && !isAnyActive(); }

@@ -15,6 +15,7 @@ Window {
     minimumWidth: frame.minimumSize.width
     minimumHeight: frame.minimumSize.height
     color: "transparent"
+    onClosing: close => close.accepted = question.mayClose()
 
     WindowBackground {
         anchors.fill: parent
@@ -52,6 +53,16 @@ Window {
     DropTarget {
         anchors.fill: parent
         view: window.view
+    }
+    CloseQuestion {
+        id: question
+        anchors.fill: parent
+        view: window.view
+        cornerRadius: window.frame.cornerRadius
+        onStopChosen: {
+            window.view.cancelEverything();
+            window.frame.close();
+        }
     }
 
     // By name: what is standard for them depends on the desktop, and on some is nothing.

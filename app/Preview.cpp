@@ -132,6 +132,15 @@ void ContentView::togglePlayback() {
         previewPlayer_->play();
 }
 
+QStringList ContentView::reelTexts() const {
+    QStringList texts;
+    if (!previewBundle_)
+        return texts;
+    for (const SubtitleEntry& entry : previewBundle_->subtitleEntries())
+        texts << QString::fromStdString(entry.text);
+    return texts;
+}
+
 void ContentView::setPreviewPlayer(std::shared_ptr<PreviewPlayer> player) {
     if (player == previewPlayer_)
         return;

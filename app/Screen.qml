@@ -7,10 +7,17 @@ import Korvane.Controls
 import Korvane.Style
 import Korvane.Words
 
-Item {
+FocusScope {
     id: screen
 
     required property ContentView view
+
+    focus: true
+    // What no control with the keyboard's focus has a use for.
+    Keys.onSpacePressed: event => {
+        if (!event.isAutoRepeat)
+            screen.view.togglePlayback();
+    }
 
     readonly property real previewHeight: height - exportCard.height - Theme.gap
     readonly property real rightWidth: Math.round(Math.max(320, Math.min(previewCard.widthForHeight(previewHeight), (width - Theme.gap) * 0.42)))
@@ -101,6 +108,26 @@ Item {
             anchors.bottom: exportCard.top
             anchors.bottomMargin: Theme.gap
             width: parent.width
+            hasPreview: screen.view.hasPreview
+            source: screen.view.previewSource
+            subtitle: screen.view.currentSubtitle
+            reelTexts: screen.view.reelTexts
+            fontPostscriptName: screen.view.styleEditor.fontPostscriptName
+            fontSize: screen.view.styleEditor.fontSize
+            textColor: screen.view.styleEditor.textColor
+            hasShadow: screen.view.styleEditor.hasShadow
+            verticalPosition: screen.view.styleEditor.verticalPosition
+            hasPopAnimation: screen.view.styleEditor.hasPopAnimation
+            onCloseRequested: screen.view.closePreview()
+            onToggleRequested: screen.view.togglePlayback()
+            onAppeared: {
+                // The button that was pressed lost the keyboard when it was switched off; on its way back, Space would
+                // press it again.
+                if (screen.Window.activeFocusItem === screen)
+                    previewCard.takeFocus();
+                screen.view.previewAppeared();
+            }
+            onDisappeared: screen.view.previewDisappeared()
         }
         ExportCard {
             id: exportCard
@@ -109,6 +136,14 @@ Item {
             summary: screen.view.exportSummary
             durationText: screen.view.exportDurationText
             hasSelection: screen.view.hasSelection
+            previewEnabled: screen.view.canPreview
+            exportEnabled: screen.view.canExport
+            stopVisible: screen.view.stopVisible
+            folderVisible: screen.view.hasExportedFile
+            onPreviewRequested: screen.view.startPreview()
+            onExportRequested: screen.view.exportReel()
+            onStopRequested: screen.view.stopPreviewOrExport()
+            onFolderRequested: screen.view.showExportInFolder()
         }
     }
 }

@@ -240,6 +240,11 @@ class Stopping(Case):
         program.find("push button", "Transcribe").click()
         program.find("push button", "Stop")
         program.find("push button", "Close").click()
+        program.find("push button", "Keep working").click()
+        until("the question to go", lambda: not program.all("push button", "Keep working", "showing"))
+        self.assertTrue(program.find("push button", "Stop").has("enabled"))
+        program.find("push button", "Close").click()
+        program.find("push button", "Stop and close").click()
         self.assertEqual(program.end(), 0)
         self.assertEqual(list(self.temporary.iterdir()), [])
 

@@ -1,4 +1,5 @@
-// What the reel will be, and the buttons that make it.
+// What the reel will be, and the buttons that make it. Stop comes up in the room left of the others, so that nothing
+// moves away under the pointer.
 import QtQuick
 import Korvane.Controls
 
@@ -8,6 +9,15 @@ GlassCard {
     required property string summary
     required property string durationText
     required property bool hasSelection
+    required property bool previewEnabled
+    required property bool exportEnabled
+    required property bool stopVisible
+    required property bool folderVisible  // a finished file can be shown
+
+    signal previewRequested
+    signal exportRequested
+    signal stopRequested
+    signal folderRequested
 
     implicitHeight: preview.y + preview.height + 2 * verticalPadding
 
@@ -36,35 +46,61 @@ GlassCard {
         Accessible.role: Accessible.StaticText
         Accessible.name: text
     }
-    Text {
-        id: hint
+    // One line that is always kept free, for a hint or for what can be done with the file.
+    Item {
+        id: below
         anchors.top: what.bottom
         anchors.topMargin: 3
         width: parent.width
-        // One line high whichever it says.
-        text: card.hasSelection ? "Not in this version yet: korvane-cli makes the reel." : "Select words to export"
-        color: Theme.white(0.45)
-        elide: Text.ElideRight
-        font.pixelSize: 11
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
+        height: hint.implicitHeight
+
+        Text {
+            id: hint
+            objectName: "exportHint"
+            visible: !card.hasSelection
+            text: "Select words to export"
+            color: Theme.white(0.45)
+            font.pixelSize: 11
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+        LinkButton {
+            objectName: "showInFolder"
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            visible: card.folderVisible
+            text: "Show in folder"
+            name: "Show the exported reel in its folder"
+            onClicked: card.folderRequested()
+        }
+    }
+    StopPill {
+        objectName: "stop"
+        anchors.top: below.bottom
+        anchors.topMargin: 10
+        visible: card.stopVisible
+        text: "Stop"
+        onClicked: card.stopRequested()
     }
     PrimaryPill {
         id: preview
         objectName: "preview"
-        anchors.top: hint.bottom
+        anchors.top: below.bottom
         anchors.topMargin: 10
-        width: Math.floor((parent.width - 8) / 2)
+        anchors.right: exporting.left
+        anchors.rightMargin: 8
         text: "Preview"
-        enabled: false
+        enabled: card.previewEnabled
+        onClicked: card.previewRequested()
     }
     SuccessPill {
+        id: exporting
         objectName: "export"
         anchors.top: preview.top
         anchors.right: parent.right
-        width: parent.width - preview.width - 8
         text: "Export"
         iconName: "arrow.down.circle.fill"
-        enabled: false
+        enabled: card.exportEnabled
+        onClicked: card.exportRequested()
     }
 }
