@@ -19,8 +19,9 @@ void ContentView::openFilePicker() {
     if (!self)
         return;
     isPanelOpen_ = false;
-    if (chosen && !isAnyActive())
-        loadVideo(*chosen);
+    // A panel hides other files, but takes the name of one that is typed.
+    if (chosen)
+        openDroppedFile(QUrl::fromLocalFile(QFile::decodeName(QByteArray::fromStdString(chosen->string()))));
 }
 
 bool ContentView::acceptsDrop(const QList<QUrl>& urls) const {

@@ -47,6 +47,7 @@ FocusScope {
             loadEnabled: !screen.view.isAnyActive
             transcribeEnabled: screen.view.canTranscribe
             stopVisible: screen.view.isProcessing
+            successor: wordsCard.keyboardTarget
             onLoadRequested: screen.view.openFilePicker()
             onTranscribeRequested: screen.view.startTranscription()
             onStopRequested: screen.view.stopTranscription()
@@ -73,6 +74,7 @@ FocusScope {
             shown: screen.view.hasError
         }
         WordsCard {
+            id: wordsCard
             anchors.top: errorCard.bottom
             anchors.topMargin: Theme.gap
             anchors.bottom: subtitlesCard.top

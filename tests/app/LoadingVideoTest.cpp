@@ -56,6 +56,15 @@ TEST_F(LoadingVideo, aChosenFileResetsTheScreenInOrder) {
     EXPECT_EQ(view().fileNameText().toStdString(), "clip.mp4");
 }
 
+TEST_F(LoadingVideo, aFileThatThePanelShouldNotHaveTakenIsRefusedAloud) {
+    finishATranscription();
+    panels_.answer = folder_.file("notes.txt", "no video");
+    view().openFilePicker();
+    EXPECT_EQ(log_, std::vector<std::string>{
+                        "error “notes.txt” is not an MP4 or QuickTime video: choose a file that "
+                        "ends in .mp4 or .mov."});
+}
+
 TEST_F(LoadingVideo, aCancelledPanelChangesNothing) {
     finishATranscription();
     view().openFilePicker();

@@ -107,6 +107,16 @@ class Keyboard(end_to_end_test.Case):
         self.status("Cancelled")
         until("Transcribe to have it again", lambda: self.focused() == ("push button", "Transcribe"))
 
+    def test_after_a_transcription_the_keyboard_is_with_the_words(self):
+        """Else a Space meant for a word begins all over again."""
+        self.start(self.video)
+        self.program.find(name="talk.mp4")
+        self.choose_english()
+        self.transcribe()
+        until("the words to have the keyboard", lambda: self.focused() and self.focused()[0] in ("list", "list item"))
+        key("space")
+        until("the first word to go", lambda: not self.chosen()[0])
+
 
 if __name__ == "__main__":
     desk.sit_down()
