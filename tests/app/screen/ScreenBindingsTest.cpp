@@ -156,6 +156,10 @@ TEST_F(ScreenBindings, tokensAllAndNoneAnswerOnlyWhileNothingIsActive) {
     for (const auto set : operations()) {
         peer().setSelected({0, 1});
         (peer().*set)(true);
+        // The state would refuse them too, but nobody shall be asked to try.
+        EXPECT_FALSE(flow.isReactive());
+        EXPECT_FALSE(named("all").isEnabled());
+        EXPECT_FALSE(named("none").isEnabled());
         click(*flow.tokenOf(1));
         click(named("all"));
         click(named("none"));
