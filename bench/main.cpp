@@ -20,7 +20,8 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: korvane-bench --worker PROGRAM --files FOLDER [--quick] [--speech-hour] [--rounds N]\n"
-    "                     [--only export|extraction|lengths|memory|recognition|tokens|window]... [--json FILE]\n"
+    "                     [--only export|extraction|lengths|memory|recognition|tokens|window]... [--json "
+    "FILE]\n"
     "  --quick        one round, nothing longer than a minute\n"
     "  --speech-hour  recognise an hour of speech as well\n"
     "Ends with 0 when every goal was reached, 1 when one was missed or a job failed, 2 for wrong usage.\n";

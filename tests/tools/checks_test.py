@@ -51,8 +51,9 @@ class Layers(Tree):
             ("platform/time/A.h", "platform/tasks/MainQueue.h"), ("platform/ffmpeg/A.h", "platform/av/Asset.h"),
             ("platform/speech/A.h", "model/Language.h"), ("model/A.h", "media/VideoProcessor.h"),
             ("media/A.h", "editor/VideoEditor.h"), ("editor/A.h", "media/VideoProcessor.h"),
-            ("editor/A.h", "cli/Console.h"), ("cli/A.h", "ui/Theme.h"), ("ui/A.h", "app/ContentView.h"),
-            ("ui/A.h", "media/VideoProcessor.h"), ("tests/editor/ATest.cpp", "cli/Console.h"),
+            ("editor/A.h", "cli/Console.h"), ("cli/A.h", "ui/controls/Theme.h"),
+            ("ui/cards/A.h", "app/ContentView.h"), ("ui/words/A.h", "media/VideoProcessor.h"),
+            ("ui/controls/A.h", "ui/style/StyleEditor.h"), ("tests/editor/ATest.cpp", "cli/Console.h"),
         ]:
             with self.subTest(name=name, target=target):
                 self.assertIn(f"{name}:2: ", self.refusals(name, f'  #  include "{target}"'))

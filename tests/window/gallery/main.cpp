@@ -107,8 +107,7 @@ class Stage {
     void pass(int seconds) { now_ += std::chrono::seconds(seconds); }
 
     QQuickItem* item(const char* name) const {
-        return window->findChild<QQuickItem*>(QString::fromLatin1(name),
-                                                             Qt::FindChildrenRecursively);
+        return window->findChild<QQuickItem*>(QString::fromLatin1(name), Qt::FindChildrenRecursively);
     }
     void click(QQuickItem* target) const {
         if (!target)
