@@ -219,6 +219,52 @@ class Workflow(Case):
         changes(lambda: program.find("check box", "Spring bounce on entry").click(), "hasPopAnimation")
 
 
+class Reel(Case):
+    """All the way: from a spoken video to the finished file, without leaving the window."""
+
+    def save_as(self, path):
+        self.program.find("push button", "Export").click()
+        self.program.find("dialog", "Export Video")
+        key("ctrl+a")
+        type_text(str(path))
+        key("Return")
+        until("the panel to go", lambda: not self.program.all(name="Export Video", having="showing"))
+
+    def test_preview_and_export(self):
+        program = self.start(self.video)
+        self.choose_english()
+        self.transcribe()
+        self.assertFalse(program.find("push button", "Export").has("enabled"), "nothing is previewed yet")
+        program.find("push button", "None").click()
+        for token in self.tokens()[1:7]:
+            token.click()
+        until("six words", lambda: program.shows("6 words · 1080 × 1920"))
+
+        program.find("push button", "Preview").click()
+        program.find("push button", "Close preview")
+        self.status("Ready")
+        until("Export to be offered", lambda: program.find("push button", "Export").has("enabled"))
+        program.find("push button", "Close preview").click()
+        until("the preview to go", lambda: program.shows("Preview will appear here"))
+        self.assertFalse(program.find("push button", "Export").has("enabled"))
+
+        program.find("push button", "Preview").click()
+        until("Export to be offered", lambda: program.find("push button", "Export").has("enabled"))
+        reel = self.files / "my reel.mp4"
+        self.save_as(reel)
+        self.status("Export complete", seconds=120)
+        self.assertTrue(program.shows("100%"))
+        program.find("push button", "Show the exported reel in its folder")
+        facts = json.loads(subprocess.run(
+            ["ffprobe", "-v", "error", "-show_streams", "-of", "json", str(reel)], check=True, capture_output=True).stdout)
+        picture = next(s for s in facts["streams"] if s["codec_type"] == "video")
+        self.assertEqual((picture["width"], picture["height"], picture["avg_frame_rate"]), (1080, 1920, "30/1"))
+        said = float(next(t.name for t in program.all("label") if re.fullmatch(r"[0-9.]+s", t.name))[:-1])
+        self.assertAlmostEqual(float(picture["duration"]), said, delta=0.15)
+        self.assertEqual(list(self.temporary.iterdir()), [])
+        self.quit()
+
+
 class Stopping(Case):
     def test_stop_ends_a_transcription_and_the_next_one_works(self):
         program = self.start(self.video)

@@ -7,6 +7,7 @@
 // it.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     const QTemporaryDir home;
     for (const char* variable : {"HOME", "XDG_CONFIG_HOME"})
         qputenv(variable, home.path().toUtf8());
