@@ -5,8 +5,10 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 namespace korvane {
 namespace {
@@ -20,8 +22,18 @@ std::string variable(const char* name) {
 std::shared_ptr<xcb_connection_t> connectedToX11(const std::string& display) {
     if (display.empty())
         return nullptr;
-    std::shared_ptr<xcb_connection_t> connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect);
-    return xcb_connection_has_error(connection.get()) == 0 ? connection : nullptr;
+    // A server that its last client has just left starts afresh and refuses everybody for a moment.
+    constexpr int tries = 6;
+    constexpr std::chrono::milliseconds pause(100);
+    for (int count = 1;; ++count) {
+        std::shared_ptr<xcb_connection_t> connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect);
+        const int error = xcb_connection_has_error(connection.get());
+        if (error == 0)
+            return connection;
+        if (error != XCB_CONN_ERROR || count == tries)
+            return nullptr;
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 /// The name is a path, or a socket in the session's folder.
