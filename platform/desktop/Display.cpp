@@ -23,7 +23,7 @@ std::shared_ptr<xcb_connection_t> connectedToX11(const std::string& display) {
     if (display.empty())
         return nullptr;
     // A server that its last client has just left starts afresh and refuses everybody for a moment.
-    constexpr int tries = 6;
+    constexpr int tries = 20;
     constexpr std::chrono::milliseconds pause(100);
     for (int count = 1;; ++count) {
         std::shared_ptr<xcb_connection_t> connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect);

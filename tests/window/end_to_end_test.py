@@ -319,23 +319,6 @@ class Rendering(Case):
         self.quit()
         self.assertEqual(list(self.temporary.iterdir()), [])
 
-    def test_a_screen_that_nobody_else_is_on_takes_the_window(self):
-        """Such a server starts afresh when its last client leaves it."""
-        read, write = os.pipe()
-        with subprocess.Popen(["Xvfb", "-displayfd", str(write), "-nolisten", "tcp"], pass_fds=[write],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as server:
-            self.addCleanup(server.terminate)
-            os.close(write)
-            number = os.read(read, 16).decode().strip()
-            os.close(read)
-            for _ in range(3):
-                with unittest.mock.patch.dict(os.environ, {"DISPLAY": f":{number}"}):
-                    program = self.start()
-                program.process.send_signal(signal.SIGTERM)
-                self.assertEqual(program.end(), 0)
-                self.assertEqual(program.output(), "")
-            server.terminate()
-
 
 class Papers(unittest.TestCase):
     def test_the_manual_is_well_formed_and_names_every_option_key_and_exit_code(self):
