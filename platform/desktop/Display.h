@@ -29,7 +29,7 @@ struct DisplayChoice {
 /// The rule, apart from trying. \param waylandAnswers, x11Answers  whether the display named was reached.
 DisplayChoice chooseDisplay(const DisplayEnvironment& environment, bool waylandAnswers, bool x11Answers);
 
-/// Tries the displays named and chooses among them. Takes a few milliseconds, half a second when none
+/// Tries the displays named and chooses among them. Takes a few milliseconds, two seconds when none
 /// answers. Before the application object.
 DisplayChoice findDisplay(const DisplayEnvironment& environment = DisplayEnvironment::ofProcess());
 
