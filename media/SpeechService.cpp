@@ -8,7 +8,7 @@
 #include <thread>
 #include <utility>
 
-#include "media/OneShot.h"
+#include "media/FirstAnswer.h"
 #include "platform/tasks/Cancellation.h"
 #include "platform/tasks/ProgressReporter.h"
 
@@ -71,7 +71,7 @@ Words segmentsOf(const RecognitionResult& result) {
 }
 
 /// Ends the wait at the first error or final result. Runs on the recogniser's thread, perhaps late.
-RecognitionHandler handlerFor(const std::shared_ptr<OneShot<Words>>& outcome, ProgressReporter progress) {
+RecognitionHandler handlerFor(const std::shared_ptr<FirstAnswer<Words>>& outcome, ProgressReporter progress) {
     return [outcome, progress](const std::optional<RecognitionResult>& result,
                                const std::exception_ptr& error) mutable {
         if (error) {
@@ -104,7 +104,7 @@ SpeechService::SpeechService(MainQueue& mainQueue, SpeechAuthorization& authoriz
       clock_(std::move(clock)) {}
 
 void SpeechService::requestPermission(std::stop_token stop) {
-    const auto answer = std::make_shared<OneShot<SpeechAuthorizationStatus>>();
+    const auto answer = std::make_shared<FirstAnswer<SpeechAuthorizationStatus>>();
     const std::stop_callback giveUp(stop, [&answer] {
         answer->resume([]() -> SpeechAuthorizationStatus { throw CancellationError(); });
     });
@@ -137,7 +137,7 @@ std::vector<SpeechSegment> SpeechService::transcribe(const std::filesystem::path
     request.shouldReportPartialResults = false;
 
     const ProgressReporter progress(mainQueue_, std::move(onProgress), stop);
-    const auto outcome = std::make_shared<OneShot<Words>>();
+    const auto outcome = std::make_shared<FirstAnswer<Words>>();
     TaskSlot slot;
     // Destroyed in reverse on every way out: no cancellation reaches the slot any more, then the ticker
     // stops, then the slot lets go of the task, which waits for its handler.

@@ -10,7 +10,7 @@ namespace korvane {
 /// The first resume counts; later ones do nothing, whoever makes them. Shared by both sides, because a late
 /// one may come when nobody waits any more.
 template <class T>
-class OneShot {
+class FirstAnswer {
   public:
     /// Any thread. Ends the wait with what `produce` returns or throws; `produce` runs for the first only.
     template <class Produce>
