@@ -43,19 +43,20 @@ T.Switch {
         damping: 0.8
     }
 
-    indicator: Rectangle {
+    // On whole pixels of the screen: a plain rectangle between two of them frays where the software draws.
+    indicator: ContinuousRectangle {
         width: 36
         height: 20
         radius: 10
         color: Theme.white(control.hovered ? 0.22 : 0.16)
 
-        Rectangle {
+        ContinuousRectangle {
             anchors.fill: parent
             radius: 10
             color: control.hovered ? Theme.brighter(Theme.accent) : Theme.accent
             opacity: Math.max(0, Math.min(1, place.value))
         }
-        Rectangle {
+        ContinuousRectangle {
             x: 2 + 16 * place.value
             y: 2
             width: 16

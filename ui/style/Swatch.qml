@@ -2,16 +2,10 @@
 import QtQuick
 import Korvane.Controls
 
-Rectangle {
+ContinuousRectangle {
     implicitWidth: 46
     implicitHeight: 22
     radius: 7
-
-    Rectangle {
-        anchors.fill: parent
-        radius: parent.radius
-        color: "transparent"
-        border.width: 1
-        border.color: Theme.white(0.28)
-    }
+    borderWidth: 1
+    borderColor: Theme.white(0.28)
 }
