@@ -1,6 +1,6 @@
 // Asks before the window is closed while something runs, and goes by itself when that has finished meanwhile. Lies over
 // the whole window.
-// Properties: view, cornerRadius (of the window). Signals: stopChosen(), after which the window may close.
+// Properties: view, cornerRadius (of the window). Signals: stopChosen(), after which the window may close; closed().
 import QtQuick
 import QtQuick.Templates as T
 import Korvane.App
@@ -14,6 +14,7 @@ Item {
     readonly property bool needed: view.closeQuestionNeeded
 
     signal stopChosen
+    signal closed
 
     /// Whether nothing needs to be asked; else asks.
     function mayClose(): bool {
@@ -44,6 +45,7 @@ Item {
         focus: true
         closePolicy: T.Popup.CloseOnEscape
         // The answer that loses nothing lies under the Enter key.
+        onClosed: question.closed()
         onOpened: keep.forceActiveFocus(Qt.TabFocusReason)
 
         background: Rectangle {
@@ -78,7 +80,7 @@ Item {
                 anchors.top: title.bottom
                 anchors.topMargin: 6
                 width: parent.width
-                text: "Something is still running. Closing stops it and leaves nothing half-written."
+                text: question.view.closeQuestionText
                 color: Theme.white(0.7)
                 font.pixelSize: 13
                 wrapMode: Text.Wrap

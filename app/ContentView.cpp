@@ -34,7 +34,11 @@ ContentView::ContentView(Dependencies dependencies, QObject* parent)
       videoEditor_(std::move(dependencies.videoEditor)),
       words_(segments_, selectedWordIndices_),
       styleEditor_([this]() -> const SubtitleSettings& { return subtitleSettings_; },
-                   [this](const SubtitleSettings& settings) { setSubtitleSettings(settings); }) {}
+                   [this](const SubtitleSettings& settings) { setSubtitleSettings(settings); }),
+      speechModels_(mainQueue_, filePanels_, std::move(dependencies.speechModels)) {
+    connect(&speechModels_, &SpeechModels::isBusyChanged, this, &ContentView::busyChanged);
+    connect(&speechModels_, &SpeechModels::arrived, this, &ContentView::modelArrived);
+}
 
 ContentView::~ContentView() {
     // Unwinding tasks tidy up the state as always, but nobody may look at it any more.
@@ -129,6 +133,7 @@ void ContentView::setSubtitleSettings(const SubtitleSettings& settings) {
     subtitleSettings_.save(defaults_);
     styleEditor_.settingsChanged();
     Q_EMIT subtitleSettingsChanged();
+    Q_EMIT previewOutdatedChanged();
 }
 
 void ContentView::setSelectedURL(std::optional<std::filesystem::path> url) {
@@ -162,18 +167,37 @@ void ContentView::setIsExporting(bool active) {
 }
 
 void ContentView::activityChanged() {
-    if (!isAnyActive())
-        mayEndEverything_ = false;  // what was agreed to has happened
     Q_EMIT isAnyActiveChanged();
     Q_EMIT canTranscribeChanged();
     Q_EMIT canPreviewChanged();
     Q_EMIT canExportChanged();
-    Q_EMIT closeQuestionNeededChanged();
+    busyChanged();
     Q_EMIT progressTextsChanged();
 }
 
-void ContentView::setErrorMessage(std::optional<std::string> message) {
-    if (assign(errorMessage_, std::move(message)))
+void ContentView::busyChanged() {
+    if (!isBusy())
+        mayEndEverything_ = false;  // what was agreed to has happened
+    Q_EMIT closeQuestionNeededChanged();
+}
+
+QString ContentView::closeQuestionText() const {
+    if (isAnyActive() || !speechModels_.isDownloading())
+        return QStringLiteral(
+            "Something is still running. Closing stops it and leaves nothing half-written.");
+    return QStringLiteral(
+        "A speech model is still being downloaded. What has arrived is kept, and the download can be "
+        "resumed.");
+}
+
+void ContentView::modelArrived() {
+    if (isRecognizerMissing_)
+        setErrorMessage(std::nullopt);
+}
+
+void ContentView::setErrorMessage(std::optional<std::string> message, bool isRecognizerMissing) {
+    const bool isOther = assign(isRecognizerMissing_, isRecognizerMissing);
+    if (assign(errorMessage_, std::move(message)) || isOther)
         Q_EMIT errorMessageChanged();
 }
 

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "app/PreviewPictures.h"
+#include "app/SpeechModels.h"
 #include "editor/ExportBundle.h"
 #include "editor/VideoEditor.h"
 #include "media/SpeechService.h"
@@ -52,6 +53,7 @@ class ContentView : public QObject {
     Q_PROPERTY(bool canTranscribe READ canTranscribe NOTIFY canTranscribeChanged)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorMessageChanged)
     Q_PROPERTY(bool hasError READ hasError NOTIFY errorMessageChanged)
+    Q_PROPERTY(bool modelWouldHelp READ modelWouldHelp NOTIFY errorMessageChanged)
     Q_PROPERTY(double overallProgress READ overallProgress NOTIFY overallProgressChanged)
     Q_PROPERTY(QString statusText READ statusText NOTIFY statusTextChanged)
     Q_PROPERTY(QString etaLabel READ etaLabel NOTIFY progressTextsChanged)
@@ -74,9 +76,12 @@ class ContentView : public QObject {
     Q_PROPERTY(bool isExporting READ isExporting NOTIFY isExportingChanged)
     Q_PROPERTY(bool canPreview READ canPreview NOTIFY canPreviewChanged)
     Q_PROPERTY(bool canExport READ canExport NOTIFY canExportChanged)
+    Q_PROPERTY(bool previewOutdated READ isPreviewOutdated NOTIFY previewOutdatedChanged)
     Q_PROPERTY(bool stopVisible READ stopVisible NOTIFY isAnyActiveChanged)
     Q_PROPERTY(bool hasExportedFile READ hasExportedFile NOTIFY exportedFileChanged)
     Q_PROPERTY(bool closeQuestionNeeded READ closeQuestionNeeded NOTIFY closeQuestionNeededChanged)
+    Q_PROPERTY(QString closeQuestionText READ closeQuestionText NOTIFY closeQuestionNeededChanged)
+    Q_PROPERTY(korvane::SpeechModels* speechModels READ speechModels CONSTANT)
 
   public:
     using Date = std::chrono::system_clock::time_point;
@@ -101,6 +106,7 @@ class ContentView : public QObject {
         std::function<Date()> now = std::chrono::system_clock::now;
         PreviewPlayerMaker makePlayer = {};  ///< without it, every preview fails
         ExportAnnouncements announcements = {};
+        std::unique_ptr<SpeechModelServices> speechModels = {};  ///< without it, no models are offered
     };
 
     explicit ContentView(Dependencies dependencies, QObject* parent = nullptr);
@@ -138,6 +144,8 @@ class ContentView : public QObject {
     bool canTranscribe() const { return hasVideo() && !isAnyActive(); }
     bool hasVideo() const { return selectedURL_.has_value(); }
     bool hasError() const { return errorMessage_.has_value(); }
+    /// Whether the error shown is that nothing recognises the language, and a model can be had.
+    bool modelWouldHelp() const { return isRecognizerMissing_ && speechModels_.isOffered(); }
     bool hasWords() const { return !segments_.empty(); }
     bool hasSelection() const { return !selectedWordIndices_.empty(); }
     /// Every line of the reel that is previewed.
@@ -145,10 +153,15 @@ class ContentView : public QObject {
     bool hasPreview() const { return previewPlayer_ && previewBundle_; }
     bool canPreview() const { return hasSelection() && !isAnyActive(); }
     bool canExport() const { return previewBundle_ && !isAnyActive(); }
+    /// Whether an export would write other words or another style than those chosen now: it writes what the
+    /// reel was built of.
+    bool isPreviewOutdated() const;
     bool stopVisible() const { return isBuildingPreview_ || isExporting_; }
     bool hasExportedFile() const { return exportedFile_.has_value(); }
     /// Whether closing the window now would end something that nobody has agreed to end.
-    bool closeQuestionNeeded() const { return isAnyActive() && !mayEndEverything_; }
+    bool closeQuestionNeeded() const { return isBusy() && !mayEndEverything_; }
+    /// What closing would do.
+    QString closeQuestionText() const;
     /// The time that the running operation still takes; none while nobody can tell.
     std::optional<std::string> etaText() const;
     /// The same, empty for none.
@@ -176,6 +189,7 @@ class ContentView : public QObject {
     WordListModel* words() { return &words_; }
     StyleEditor* styleEditor() { return &styleEditor_; }
     PreviewSource* previewSource() { return &pictures_; }
+    SpeechModels* speechModels() { return &speechModels_; }
 
     void setSelectedLanguage(const Language& language);
     /// Saves the style too; one that can't be saved counts until the end of the program.
@@ -245,6 +259,7 @@ class ContentView : public QObject {
     void hasPreviewChanged();
     void canPreviewChanged();
     void canExportChanged();
+    void previewOutdatedChanged();
     void closeQuestionNeededChanged();
 
   private:
@@ -278,7 +293,13 @@ class ContentView : public QObject {
     /// word; their signals come one after the other.
     void setWords(std::vector<SpeechSegment> words);
     void setSelectedWordIndices(std::set<int> selected);
-    void setErrorMessage(std::optional<std::string> message);
+    /// \param isRecognizerMissing  that nothing recognises the language is what the message says.
+    void setErrorMessage(std::optional<std::string> message, bool isRecognizerMissing = false);
+    /// A download or a copy of a model is nothing that the screen waits for, but closing would end it.
+    bool isBusy() const { return isAnyActive() || speechModels_.isBusy(); }
+    void busyChanged();
+    /// What no recogniser could do before can be tried again.
+    void modelArrived();
     void setPreviewBundle(std::optional<ExportBundle> bundle);
     /// Without a player there is no subtitle and nothing that looks for one.
     void setPreviewPlayer(std::shared_ptr<PreviewPlayer> player);
@@ -300,6 +321,7 @@ class ContentView : public QObject {
     bool isProcessing_ = false;
     std::vector<SpeechSegment> segments_;
     std::optional<std::string> errorMessage_;
+    bool isRecognizerMissing_ = false;
     std::optional<TaskHandle> transcriptionTask_;
     std::set<int> selectedWordIndices_;
     SubtitleSettings subtitleSettings_;
@@ -322,6 +344,7 @@ class ContentView : public QObject {
     WordListModel words_;
     StyleEditor styleEditor_;
     PreviewPictures pictures_;
+    SpeechModels speechModels_;
     bool isPanelOpen_ = false;
     bool mayEndEverything_ = false;
     TaskScope tasks_;  // also tasks that are still unwinding after their handle was given up

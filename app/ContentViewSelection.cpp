@@ -75,6 +75,7 @@ void ContentView::selectNoWords() {
 void ContentView::choiceChanged() {
     Q_EMIT selectedWordIndicesChanged();
     Q_EMIT canPreviewChanged();
+    Q_EMIT previewOutdatedChanged();
 }
 
 void ContentView::setSelectedWordIndices(std::set<int> selected) {

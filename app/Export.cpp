@@ -110,13 +110,14 @@ void ContentView::showExportInFolder() {
 }
 
 void ContentView::cancelEverything() {
-    if (!isAnyActive())
+    if (!isBusy())
         return;
     mayEndEverything_ = true;
     Q_EMIT closeQuestionNeededChanged();
     stopTranscription();
     stopBuildPreview();
     stopExport();
+    speechModels_.stopAll();
 }
 
 }  // namespace korvane

@@ -15,7 +15,10 @@ Window {
     minimumWidth: frame.minimumSize.width
     minimumHeight: frame.minimumSize.height
     color: "transparent"
-    onClosing: close => close.accepted = question.mayClose()
+    onClosing: close => {
+        models.makeWay();
+        close.accepted = question.mayClose();
+    }
 
     WindowBackground {
         anchors.fill: parent
@@ -27,10 +30,12 @@ Window {
     }
     // Before the strip, so that the keyboard comes to the content first and to the title buttons last.
     Screen {
+        id: screen
         anchors.fill: parent
         anchors.margins: Theme.gap
         anchors.topMargin: strip.height
         view: window.view
+        onModelsRequested: byKeys => models.open(byKeys)
     }
     TitleStrip {
         id: strip
@@ -52,13 +57,23 @@ Window {
     }
     DropTarget {
         anchors.fill: parent
+        enabled: !models.opened
         view: window.view
+    }
+    SpeechModelsSheet {
+        id: models
+        anchors.fill: parent
+        models: window.view.speechModels
+        cornerRadius: window.frame.cornerRadius
+        onLeaveRequested: window.frame.close()
+        onKeyboardLeft: reason => screen.takeFocus(reason)
     }
     CloseQuestion {
         id: question
         anchors.fill: parent
         view: window.view
         cornerRadius: window.frame.cornerRadius
+        onClosed: models.giveBack()
         onStopChosen: {
             window.view.cancelEverything();
             window.frame.close();
@@ -68,6 +83,7 @@ Window {
     // By name: what is standard for them depends on the desktop, and on some is nothing.
     Shortcut {
         sequence: "Ctrl+O"
+        enabled: !models.opened
         onActivated: window.view.openFilePicker()
     }
     Shortcut {
@@ -80,7 +96,7 @@ Window {
     }
     Shortcut {
         sequence: "Escape"
-        enabled: window.frame.isFullScreen
+        enabled: window.frame.isFullScreen && !models.opened
         onActivated: window.frame.toggleFullScreen()
     }
 }

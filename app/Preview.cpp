@@ -1,4 +1,5 @@
 // From the chosen words to a reel that plays in a loop, and back to an empty frame.
+#include <algorithm>
 #include <utility>
 
 #include "app/ContentView.h"
@@ -160,6 +161,19 @@ void ContentView::setPreviewBundle(std::optional<ExportBundle> bundle) {
     Q_EMIT previewBundleChanged();
     Q_EMIT canExportChanged();
     Q_EMIT hasPreviewChanged();
+    Q_EMIT previewOutdatedChanged();
+}
+
+bool ContentView::isPreviewOutdated() const {
+    if (!previewBundle_)
+        return false;
+    const auto& built = previewBundle_->segments();
+    const auto isWord = [this](const SpeechSegment& word, int index) {
+        const SpeechSegment& chosen = segments_[static_cast<std::size_t>(index)];
+        return word.start() == chosen.start() && word.end() == chosen.end() && word.text() == chosen.text();
+    };
+    return subtitleSettings_ != previewBundle_->subtitleSettings() ||
+           !std::ranges::equal(built, selectedWordIndices_, isWord);
 }
 
 }  // namespace korvane

@@ -12,11 +12,18 @@ FocusScope {
 
     required property ContentView view
 
+    signal modelsRequested(byKeys: bool)
+
     focus: true
     // What no control with the keyboard's focus has a use for.
     Keys.onSpacePressed: event => {
         if (!event.isAutoRepeat)
             screen.view.togglePlayback();
+    }
+
+    /// Gives the keyboard to what may be tried next.
+    function takeFocus(reason: int) {
+        fileCard.takeFocus(reason);
     }
 
     readonly property real previewHeight: height - exportCard.height - Theme.gap
@@ -35,7 +42,9 @@ FocusScope {
             languageNames: screen.view.languageNames
             languageIndex: screen.view.selectedLanguageIndex
             languageEnabled: !screen.view.isAnyActive
+            modelsOffered: screen.view.speechModels.isOffered
             onLanguagePicked: index => screen.view.selectedLanguageIndex = index
+            onModelsRequested: byKeys => screen.modelsRequested(byKeys)
         }
         FileCard {
             id: fileCard
@@ -72,6 +81,8 @@ FocusScope {
             width: parent.width
             message: screen.view.errorText
             shown: screen.view.hasError
+            modelWouldHelp: screen.view.modelWouldHelp
+            onModelRequested: byKeys => screen.modelsRequested(byKeys)
         }
         WordsCard {
             id: wordsCard
@@ -142,6 +153,7 @@ FocusScope {
             exportEnabled: screen.view.canExport
             stopVisible: screen.view.stopVisible
             folderVisible: screen.view.hasExportedFile
+            previewOutdated: screen.view.previewOutdated
             onPreviewRequested: screen.view.startPreview()
             onExportRequested: screen.view.exportReel()
             onStopRequested: screen.view.stopPreviewOrExport()

@@ -3,9 +3,12 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QQuickWindow>
 #include <cstdio>
 
+#include "platform/desktop/GraphicsProcessor.h"
 #include "platform/process/ExitCode.h"
 #include "platform/process/Process.h"
 
@@ -24,7 +27,25 @@ void startAnewWithSoftware(char** arguments) {
     _exit(static_cast<int>(ExitCode::failed));
 }
 
+/// What draws, on the thread that draws.
+bool hasDriverWithoutGraphicsProcessor() {
+    const QOpenGLContext* context = QOpenGLContext::currentContext();
+    if (!context)
+        return false;
+    const auto* name = reinterpret_cast<const char*>(context->functions()->glGetString(GL_RENDERER));
+    return name && isDrawnByProcessor(name);
+}
+
 }  // namespace
+
+bool isRendererOurChoice() {
+    return qEnvironmentVariableIsEmpty(backendVariable) && qEnvironmentVariableIsEmpty("QSG_RHI_BACKEND");
+}
+
+void drawWithoutGraphicsProcessor() {
+    if (isRendererOurChoice() && !hasGraphicsProcessor())
+        qputenv(backendVariable, "software");
+}
 
 bool canFallBack(const QByteArray& backend) {
     return backend != "software";
@@ -36,6 +57,16 @@ void fallBackToSoftwareRendering(QQuickWindow& window, char** arguments) {
     QObject::connect(
         &window, &QQuickWindow::sceneGraphError, &window, [arguments] { startAnewWithSoftware(arguments); },
         Qt::QueuedConnection);
+    if (!isRendererOurChoice())
+        return;
+    QObject::connect(
+        &window, &QQuickWindow::sceneGraphInitialized, &window,
+        [&window, arguments] {
+            if (hasDriverWithoutGraphicsProcessor())
+                QMetaObject::invokeMethod(
+                    &window, [arguments] { startAnewWithSoftware(arguments); }, Qt::QueuedConnection);
+        },
+        Qt::DirectConnection);
 }
 
 }  // namespace korvane

@@ -18,6 +18,16 @@ using Words = std::vector<SpeechSegment>;
 constexpr double kExtractionShare = 0.3;
 constexpr double kRecognitionShare = 0.7;
 
+bool saysNoRecognizer(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const SpeechError& speech) {
+        return speech.errorCase() == SpeechError::Case::recognizerUnavailable;
+    } catch (...) {
+        return false;
+    }
+}
+
 }  // namespace
 
 void ContentView::startTranscription() {
@@ -89,7 +99,7 @@ MainTask ContentView::runTranscription() {
         setStatusText(QStringLiteral("Cancelled"));
     } catch (...) {
         setStatusText(QStringLiteral("Failed"));
-        setErrorMessage(describeError(std::current_exception()));
+        setErrorMessage(describeError(std::current_exception()), saysNoRecognizer(std::current_exception()));
     }
 }
 

@@ -8,8 +8,10 @@
 #include <utility>
 
 #include "app/ControlAccessibility.h"
+#include "app/StoredSpeechModels.h"
 #include "platform/desktop/Compositor.h"
 #include "platform/speech/InstalledSpeechEngines.h"
+#include "platform/speech/whisper/WhisperProgram.h"
 #include "ui/controls/Theme.h"
 
 namespace korvane {
@@ -32,6 +34,13 @@ QPalette panelPalette() {
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint.darker(140));
     return palette;
+}
+
+/// Null in an installation without the worker that needs them.
+std::unique_ptr<SpeechModelServices> speechModelsHere() {
+    if (whisperCommand().empty())
+        return nullptr;
+    return std::make_unique<StoredSpeechModels>(StandardFolders::of(processEnvironment()));
 }
 
 }  // namespace
@@ -57,7 +66,8 @@ void ViewController::viewDidLoad() {
         .announcements = {.isInFront = [this] { return window_ && window_->isActive(); },
                           .notify = [this](const QString& summary,
                                            const QString& body) { notifications_.show(summary, body); },
-                          .showInFolder = [this](const auto& file) { fileManager_.show(file); }}});
+                          .showInFolder = [this](const auto& file) { fileManager_.show(file); }},
+        .speechModels = speechModelsHere()});
 
     engine_ = std::make_unique<QQmlEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
@@ -89,9 +99,9 @@ void ViewController::openVideo(const std::filesystem::path& path) {
 }
 
 std::shared_ptr<PreviewPlayer> ViewController::makePlayer(std::shared_ptr<PlayerItem> item) {
-    // Finding the sound devices takes longer than starting up may.
+    // Nobody needs a connection to the sound server before.
     if (!sound_)
-        sound_ = std::make_unique<QtAudioOutputFactory>();
+        sound_ = std::make_unique<PulseOutputFactory>();
     return realPreviewPlayers(mainQueue_, playbackClock_, *sound_)(std::move(item));
 }
 

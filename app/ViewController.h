@@ -7,12 +7,13 @@
 
 #include "app/ContentView.h"
 #include "app/WindowFrame.h"
+#include "platform/defaults/DeferredUserDefaults.h"
 #include "platform/defaults/FileUserDefaults.h"
 #include "platform/desktop/DesktopSettings.h"
 #include "platform/desktop/FileManager.h"
 #include "platform/desktop/Notifications.h"
 #include "platform/desktop/SystemFilePanels.h"
-#include "platform/sound/QtAudioOutputFactory.h"
+#include "platform/sound/PulseOutputFactory.h"
 #include "platform/speech/SpeechRecognizerRegistry.h"
 #include "platform/speech/SystemSpeechAuthorization.h"
 #include "platform/tasks/QtMainQueue.h"
@@ -53,7 +54,8 @@ class ViewController : public QObject {
 
     // In the order in which they need each other; destroyed from the last to the first.
     QtMainQueue mainQueue_;
-    FileUserDefaults defaults_;
+    FileUserDefaults files_;
+    DeferredUserDefaults defaults_{files_};
     std::unique_ptr<SpeechRecognizerRegistry> recognizers_;
     SystemSpeechAuthorization authorization_;
     SystemFilePanels filePanels_;
@@ -62,7 +64,7 @@ class ViewController : public QObject {
     Notifications notifications_;
     FileManager fileManager_;
     SteadyPlaybackClock playbackClock_;
-    std::unique_ptr<QtAudioOutputFactory> sound_;  ///< null until the first preview
+    std::unique_ptr<PulseOutputFactory> sound_;  ///< null until the first preview
     std::unique_ptr<ContentView> contentView_;
     std::unique_ptr<QQmlEngine> engine_;
     std::unique_ptr<QQuickWindow> window_;

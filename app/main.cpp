@@ -1,4 +1,5 @@
 // korvane: the window. Each start is a process of its own, so that one window's trouble is no other's.
+#include <malloc.h>
 #include <unistd.h>
 
 #include <QApplication>
@@ -29,6 +30,12 @@ int ended(ExitCode code) {
 ExitCode failedWith(std::string_view sentence, ExitCode code) {
     std::fprintf(stderr, "korvane: %.*s\n", static_cast<int>(sentence.size()), sentence.data());
     return code;
+}
+
+/// Each preview has threads of its own and keeps its pictures while it plays. Left to itself the library
+/// keeps what they gave back, for every thread anew: hundreds of megabytes after a few dozen previews.
+void giveBackLargeMemory() {
+    mallopt(M_MMAP_THRESHOLD, 256 * 1024);
 }
 
 /// While the application object is made, the toolkit ends the process for want of a working display; it needs
@@ -72,6 +79,7 @@ ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
     if (!display.platform.empty())
         qputenv("QT_QPA_PLATFORM", QByteArray::fromStdString(display.platform));
 
+    drawWithoutGraphicsProcessor();
     const BorrowedRuntimeFolder borrowed;
     const auto usualHandler = qInstallMessageHandler(explainAndLeave);
     QApplication application(argc, argv);
@@ -90,6 +98,7 @@ ExitCode openWindow(const StartOptions& options, int argc, char** argv) {
 int main(int argc, char** argv) {
     StopSignals::hold();
     prepareProcess();
+    giveBackLargeMemory();
     try {
         const auto options = parseStartOptions({argv + 1, argv + argc});
         if (!options.printout.empty()) {

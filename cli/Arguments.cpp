@@ -1,6 +1,7 @@
 #include "cli/Arguments.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "cli/LanguageNames.h"
@@ -22,6 +23,9 @@ constexpr OptionRule formatRule{'f', "format", Value::one};
 constexpr OptionRule wordsRule{'w', "words", Value::one};
 constexpr OptionRule styleRule{0, "style", Value::one};
 constexpr OptionRule selectRule{'s', "select", Value::many};
+constexpr OptionRule engineRule{0, "engine", Value::one};
+constexpr OptionRule modelRule{0, "model", Value::one};
+constexpr OptionRule proxyRule{0, "proxy", Value::one};
 constexpr OptionRule dropRule{'d', "drop", Value::many};
 
 struct CommandRules {
@@ -32,10 +36,13 @@ struct CommandRules {
 const std::vector<CommandRules>& commands() {
     static const std::vector<CommandRules> all{
         {"reel",
-         {quietRule, helpRule, versionRule, languageRule, outputRule, styleRule, selectRule, dropRule}},
-        {"transcribe", {quietRule, helpRule, versionRule, languageRule, outputRule, formatRule}},
+         {quietRule, helpRule, versionRule, languageRule, outputRule, styleRule, selectRule, dropRule,
+          engineRule, modelRule}},
+        {"transcribe",
+         {quietRule, helpRule, versionRule, languageRule, outputRule, formatRule, engineRule, modelRule}},
         {"export",
          {quietRule, helpRule, versionRule, wordsRule, outputRule, styleRule, selectRule, dropRule}},
+        {"models", {quietRule, helpRule, versionRule, proxyRule}},
         {"languages", {quietRule, helpRule, versionRule}},
         {"help", {quietRule, helpRule, versionRule}},
     };
@@ -59,6 +66,20 @@ std::string requiredLanguage(const ScannedArguments& scanned) {
     return languageNamed(scanned.value("language"));
 }
 
+SpeechChoice speechChoice(const ScannedArguments& scanned) {
+    SpeechChoice choice;
+    if (scanned.has("engine"))
+        choice.engine = scanned.value("engine");
+    if (scanned.has("model"))
+        choice.model = scanned.value("model");
+    if (choice.engine && *choice.engine != "whisper" && *choice.engine != "pocketsphinx")
+        throw UsageError("There is no engine \"" + *choice.engine +
+                         "\"; there are whisper and pocketsphinx.");
+    if (choice.model && choice.engine == "pocketsphinx")
+        throw UsageError("A model can be chosen for whisper only.");
+    return choice;
+}
+
 WordSpans spans(const ScannedArguments& scanned, std::string_view option) {
     WordSpans all;
     const auto given = scanned.options.find(option);
@@ -73,6 +94,9 @@ WordSpans spans(const ScannedArguments& scanned, std::string_view option) {
 
 ReelOptions reelOptions(const ScannedArguments& scanned) {
     ReelOptions options;
+    // What "-" means everywhere else can't be done; a file of that name is ./- as for any program.
+    if (scanned.has("output") && scanned.value("output") == "-")
+        throw UsageError("A reel can't be written to standard output; give the name of a file.");
     if (scanned.has("output"))
         options.output = scanned.value("output");
     if (scanned.has("style"))
@@ -88,6 +112,7 @@ TranscribeRequest transcribeRequest(const ScannedArguments& scanned) {
     request.language = requiredLanguage(scanned);
     if (scanned.has("output") && scanned.value("output") != "-")
         request.output = scanned.value("output");
+    request.speech = speechChoice(scanned);
     if (scanned.has("format")) {
         const auto format = transcriptFormatNamed(scanned.value("format"));
         if (!format)
@@ -116,14 +141,47 @@ ExportRequest exportRequest(const ScannedArguments& scanned) {
     return request;
 }
 
+ModelsRequest modelsRequest(const ScannedArguments& scanned) {
+    using Action = ModelsRequest::Action;
+    struct Rule {
+        std::string_view name;
+        Action action;
+        std::string_view subject;  // what has to be named; empty: nothing
+    };
+    static constexpr Rule rules[] = {
+        {"list", Action::list, ""},   {"install", Action::install, "ID"}, {"remove", Action::remove, "ID"},
+        {"add", Action::add, "FILE"}, {"use", Action::use, "ID"},         {"path", Action::path, ""},
+    };
+    const auto& operands = scanned.operands;
+    if (operands.empty())
+        throw UsageError("Say what to do with the models: list, install, remove, add, use or path.");
+    const auto* rule = std::find_if(std::begin(rules), std::end(rules),
+                                    [&](const Rule& known) { return known.name == operands[0]; });
+    if (rule == std::end(rules))
+        throw UsageError("There is no \"" + operands[0] +
+                         "\" for models; there are list, install, remove, add, use and path.");
+    const std::string command = "korvane-cli models " + operands[0];
+    const std::size_t expected = rule->subject.empty() ? 1 : 2;
+    if (operands.size() < expected || (expected == 2 && operands[1].empty()))
+        throw UsageError("Say which model: " + command + " " + std::string(rule->subject) +
+                         "; korvane-cli models list shows them.");
+    if (operands.size() > expected)
+        throw UsageError(command + ": \"" + operands[expected] + "\" is one argument too many.");
+    if (scanned.has("proxy") && rule->action != Action::install)
+        throw UsageError("Only korvane-cli models install takes a --proxy.");
+    return {rule->action, expected == 2 ? operands[1] : std::string(), scanned.value("proxy")};
+}
+
 Request commandRequest(std::string_view command, const ScannedArguments& scanned) {
     if (command == "reel")
         return ReelRequest{onlyVideo(scanned.operands, command), requiredLanguage(scanned),
-                           reelOptions(scanned)};
+                           reelOptions(scanned), speechChoice(scanned)};
     if (command == "transcribe")
         return transcribeRequest(scanned);
     if (command == "export")
         return exportRequest(scanned);
+    if (command == "models")
+        return modelsRequest(scanned);
     if (!scanned.operands.empty() && command == "languages")
         throw UsageError("korvane-cli languages takes no argument such as \"" + scanned.operands[0] + "\".");
     if (command == "languages")

@@ -9,6 +9,7 @@
 
 #include "cli/TranscriptFormat.h"
 #include "cli/WordSelection.h"
+#include "platform/speech/InstalledSpeechEngines.h"
 
 namespace korvane::cli {
 
@@ -24,6 +25,7 @@ struct TranscribeRequest {
     std::string language;                         ///< one of the nine identifiers
     std::optional<std::filesystem::path> output;  ///< none: standard output
     TranscriptFormat format = TranscriptFormat::text;
+    SpeechChoice speech;
 };
 
 /// How the chosen words become a reel.
@@ -38,6 +40,7 @@ struct ReelRequest {
     std::filesystem::path video;
     std::string language;  ///< one of the nine identifiers
     ReelOptions reel;
+    SpeechChoice speech;
 };
 
 struct ExportRequest {
@@ -46,8 +49,15 @@ struct ExportRequest {
     ReelOptions reel;
 };
 
+/// What to do with the models for speech recognition.
+struct ModelsRequest {
+    enum class Action { list, install, remove, add, use, path } action = Action::list;
+    std::string subject;  ///< an id, or the file to add; empty where none is needed
+    std::string proxy;    ///< to install through; empty: the environment's
+};
+
 using Request = std::variant<HelpRequest, VersionRequest, LanguagesRequest, TranscribeRequest, ReelRequest,
-                             ExportRequest>;
+                             ExportRequest, ModelsRequest>;
 
 struct Invocation {
     Request request;

@@ -50,8 +50,11 @@ std::vector<TimedWord> timedWords(const Transcript& transcript) {
 
 }  // namespace
 
-std::string_view wordSeparator(std::string_view language) {
-    return language.starts_with("zh") || language.starts_with("ja") ? "" : " ";
+std::string_view wordSeparator(std::string_view language, std::string_view before, std::string_view after) {
+    if (!language.starts_with("zh") && !language.starts_with("ja"))
+        return " ";
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return !before.empty() && !after.empty() && isAscii(before.back()) && isAscii(after.front()) ? " " : "";
 }
 
 std::string tidyWord(std::string_view text) {
@@ -72,10 +75,11 @@ std::string tidyWord(std::string_view text) {
 }
 
 std::vector<CaptionCue> groupIntoCues(const Transcript& transcript) {
-    const auto separator = wordSeparator(transcript.language);
     std::vector<CaptionCue> cues;
     std::size_t wordsInCue = 0;
     for (const auto& word : timedWords(transcript)) {
+        const auto separator =
+            wordSeparator(transcript.language, cues.empty() ? "" : cues.back().text, word.text);
         const bool fits =
             !cues.empty() && wordsInCue < mostWords && !endsSentence(cues.back().text) &&
             word.startMs >= cues.back().startMs && word.startMs - cues.back().endMs < pauseMs &&

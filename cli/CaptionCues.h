@@ -23,8 +23,9 @@ struct CaptionCue {
 /// blank or have no usable time are left out; a word of no length gets 1 ms.
 std::vector<CaptionCue> groupIntoCues(const Transcript& transcript);
 
-/// Joins words as the language is written: Chinese and Japanese without blanks.
-std::string_view wordSeparator(std::string_view language);
+/// What stands between two words as the language is written: Chinese and Japanese have no blanks, but between
+/// two words in Latin letters ("iPhone Pro").
+std::string_view wordSeparator(std::string_view language, std::string_view before, std::string_view after);
 
 /// The word on one line, without blanks at its ends.
 std::string tidyWord(std::string_view text);

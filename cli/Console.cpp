@@ -49,11 +49,11 @@ void Console::beginOperation() {
     thinning_.restart();
 }
 
-void Console::showProgress(Phase phase, double fraction) {
+void Console::showProgress(Phase phase, double fraction, const std::string& detail) {
     if (quiet_)
         return;
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - started_;
-    state_ = ProgressState{phase, overallProgress(phase, fraction), elapsed.count()};
+    state_ = ProgressState{phase, overallProgress(phase, fraction), elapsed.count(), detail};
     if (terminal_)
         draw();
     else if (thinning_.worthALine(*state_))

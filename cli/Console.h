@@ -25,7 +25,8 @@ class Console {
     void beginOperation();
     /// Shows how far a phase is, 0 to 1. On a terminal one line is drawn over, elsewhere a line is printed
     /// now and then.
-    void showProgress(Phase phase, double fraction);
+    /// \param detail  stands where the time left does; empty: that time, as it is estimated.
+    void showProgress(Phase phase, double fraction, const std::string& detail = {});
     /// Takes the progress line away; what was shown on a terminal leaves no trace.
     void endProgress();
 

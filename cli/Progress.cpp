@@ -31,6 +31,10 @@ std::string_view phaseLabel(Phase phase) {
             return "Transcribing";
         case Phase::exportingVideo:
             return "Exporting video";
+        case Phase::downloadingModel:
+            return "Downloading";
+        case Phase::copyingModel:
+            return "Copying";
     }
     return "";
 }
@@ -42,6 +46,8 @@ double overallProgress(Phase phase, double fraction) {
         case Phase::transcribing:
             return extractionShare + fraction * (1.0 - extractionShare);
         case Phase::exportingVideo:
+        case Phase::downloadingModel:
+        case Phase::copyingModel:
             return fraction;
     }
     return 0.0;
@@ -49,7 +55,8 @@ double overallProgress(Phase phase, double fraction) {
 
 std::optional<std::string> etaText(const ProgressState& state) {
     // Taking the sound out is a matter of a moment, and says nothing about the recognition that follows.
-    const double tooEarly = state.phase == Phase::exportingVideo ? 0.05 : extractionShare + 0.05;
+    const bool shared = state.phase == Phase::extractingAudio || state.phase == Phase::transcribing;
+    const double tooEarly = shared ? extractionShare + 0.05 : 0.05;
     if (!(state.overall > tooEarly))
         return std::nullopt;
     const double remaining = state.elapsedSeconds / state.overall - state.elapsedSeconds;
@@ -69,7 +76,8 @@ std::string progressLine(const ProgressState& state, int columns) {
     const std::string label(phaseLabel(state.phase));
     const std::string number = std::to_string(percent(state)) + "%";
     const std::string padded = std::string(4 - std::min<std::size_t>(number.size(), 4), ' ') + number;
-    const std::string time = state.overall < 1.0 ? etaText(state).value_or("") : "";
+    const std::string estimate = state.detail.empty() ? etaText(state).value_or("") : state.detail;
+    const std::string time = state.overall < 1.0 ? estimate : "";
     const std::string tail = time.empty() ? "" : "  " + time;
 
     std::string whole = label + "  " + bar(state.overall) + padded + tail;

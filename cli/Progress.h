@@ -7,19 +7,20 @@
 
 namespace korvane::cli {
 
-enum class Phase { extractingAudio, transcribing, exportingVideo };
+enum class Phase { extractingAudio, transcribing, exportingVideo, downloadingModel, copyingModel };
 
-/// "Extracting audio", "Transcribing" or "Exporting video".
+/// "Extracting audio", "Transcribing", "Exporting video", "Downloading" or "Copying".
 std::string_view phaseLabel(Phase phase);
 
-/// The part of the whole operation that is done: extraction fills the first 30 % of a transcription, and an
-/// export its own 100 %. \param fraction  of the phase, 0 to 1.
+/// The part of the whole operation that is done: extraction fills the first 30 % of a transcription, and
+/// every other phase is an operation of its own. \param fraction  of the phase, 0 to 1.
 double overallProgress(Phase phase, double fraction);
 
 struct ProgressState {
     Phase phase = Phase::extractingAudio;
     double overall = 0.0;         ///< 0 to 1
     double elapsedSeconds = 0.0;  ///< since the operation began
+    std::string detail = {};      ///< stands where the time left does; empty: that time, as it is estimated
 };
 
 /// "Almost done…", "~42s left" or "~3m 7s left"; none in the first 5 % of an export and of a

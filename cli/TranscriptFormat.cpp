@@ -84,7 +84,6 @@ std::string formatTranscript(const Transcript& transcript, TranscriptFormat form
 
 std::string formatText(const Transcript& transcript) {
     constexpr double pauseSeconds = 0.8;
-    const auto separator = wordSeparator(transcript.language);
     std::string out;
     double previousEnd = 0.0;
     for (const auto& word : transcript.words) {
@@ -92,7 +91,8 @@ std::string formatText(const Transcript& transcript) {
         if (text.empty())
             continue;
         if (!out.empty())
-            out += word.start() - previousEnd >= pauseSeconds ? std::string_view("\n") : separator;
+            out += word.start() - previousEnd >= pauseSeconds ? std::string_view("\n")
+                                                              : wordSeparator(transcript.language, out, text);
         out += text;
         previousEnd = word.end();
     }

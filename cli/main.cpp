@@ -14,6 +14,7 @@
 #include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/Help.h"
+#include "cli/Models.h"
 #include "platform/defaults/FileUserDefaults.h"
 #include "platform/process/ExitCode.h"
 #include "platform/process/Process.h"
@@ -41,6 +42,15 @@ std::unique_ptr<QCoreApplication> makeApplication(const Request& request, int& a
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+/// The engine and model that the person insists on, where the command recognises anything.
+SpeechChoice speechChoiceOf(const Request& request) {
+    if (const auto* reel = std::get_if<ReelRequest>(&request))
+        return reel->speech;
+    if (const auto* transcribe = std::get_if<TranscribeRequest>(&request))
+        return transcribe->speech;
+    return {};
+}
+
 struct Dispatch {
     const CommandContext& context;
     const std::stop_token& stop;
@@ -52,6 +62,7 @@ struct Dispatch {
         return runTranscribe(request, context, stop);
     }
     CommandOutput operator()(const ReelRequest& request) const { return runReel(request, context, stop); }
+    CommandOutput operator()(const ModelsRequest& request) const { return runModels(request, context, stop); }
     CommandOutput operator()(const ExportRequest& request) const { return runExport(request, context, stop); }
 };
 
@@ -72,11 +83,11 @@ ExitCode run(const Invocation& invocation, Console& console) {
     std::stop_source source;
     const StopSignals signals(
         [&source](int count) { count == 1 ? void(source.request_stop()) : leaveSoon(); });
-    const auto recognizers = makeInstalledSpeechEngines();
     FileUserDefaults defaults;
-    const CommandContext context{queue, console, *recognizers, defaults,
-                                 invocation.quiet ? silentLog() : diagnosticLog(queue, console)};
     try {
+        const auto recognizers = makeInstalledSpeechEngines(speechChoiceOf(invocation.request));
+        const CommandContext context{queue, console, *recognizers, defaults,
+                                     invocation.quiet ? silentLog() : diagnosticLog(queue, console)};
         const auto output =
             runOnWorker<CommandOutput>(queue, source.get_token(), [&](const std::stop_token& stop) {
                 return std::visit(Dispatch{context, stop}, invocation.request);

@@ -64,6 +64,38 @@ ensure_packages() {
     rm -f "$log"
 }
 
+# ensure_whisper: the Whisper library, from the distribution where it has one, else in a private folder. Where
+# neither can be had, says so once a day; the program builds and runs without.
+ensure_whisper() {
+    local private="$project/build/whisper" state="$project/build/whisper.state" why
+    mkdir -p "$project/build"
+    if [ -e "$private/lib/libwhisper.so" ] || pkg-config --exists whisper ggml 2>/dev/null; then
+        [ "$(cat "$state" 2>/dev/null)" = there ] || echo there >"$state"
+        return 0
+    fi
+    if [ -n "$(find "$state" -mmin -1440 2>/dev/null)" ]; then
+        return 0
+    fi
+    if command -v apt-cache >/dev/null && [ -n "$(apt-cache show libwhisper-dev 2>/dev/null)" ] &&
+        { [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null; }; then
+        as_root=()
+        [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+        say "Installing the Whisper library ..."
+        apt_install libwhisper-dev >/dev/null 2>&1 || true
+    fi
+    if pkg-config --exists whisper ggml 2>/dev/null; then
+        echo there >"$state"
+        return 0
+    fi
+    say "Fetching the Whisper library into build/whisper ..."
+    if why=$("$project/tools/whisper-library" "$private" 2>&1); then
+        echo there >"$state"
+    else
+        echo missing >"$state"
+        say "Built without Whisper, so only languages of PocketSphinx can be transcribed: ${why##*$'\n'}."
+    fi
+}
+
 # configure [OPTION...]: prepares the build folder if it isn't yet, or anew when options are given.
 configure() {
     if [ $# -eq 0 ] && [ -f "$build/build.ninja" ]; then

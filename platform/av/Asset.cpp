@@ -57,6 +57,8 @@ const Asset::Contents& Asset::contents(bool soundOnly) {
         track.timeRange = stream.timeRange;
         track.naturalSize = stream.naturalSize;
         track.preferredTransform = stream.orientation;
+        if (stream.isVideo)
+            track.known = stream.known;
         track.nominalFrameRate = static_cast<float>(stream.framesPerSecond);
         track.sampleRateHz = stream.sampleRateHz;
         track.channels = stream.channels;

@@ -13,6 +13,8 @@
 
 namespace korvane {
 
+class KnownStreams;
+
 enum class MediaType { video, audio };
 
 /// "vide" or "soun", the four-character names of ISO base media handlers.
@@ -29,6 +31,7 @@ struct AssetTrack {
     Size naturalSize;  ///< stored size with the pixel aspect applied to the width, before orientation
     AffineTransform preferredTransform;  ///< stored orientation, in natural size units, moved to the origin
     float nominalFrameRate = 0.0F;       ///< frames/s; 0 when unknown
+    std::shared_ptr<const KnownStreams> known;  ///< makes opening quicker; may be null
 
     // Audio only.
     int sampleRateHz = 0;

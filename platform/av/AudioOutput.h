@@ -15,6 +15,7 @@ namespace korvane {
 struct HeardFrames {
     std::int64_t frames = 0;  ///< of what was written since the last flush; may lag and come in steps
     ClockTime at{0};          ///< when that was so, by the clock that the player uses
+    int underruns = 0;        ///< times that the device had nothing to play since the last flush
 };
 
 /// One device, opened for one player. Used and destroyed on the player's thread; no call blocks for longer
@@ -23,8 +24,8 @@ class AudioOutput {
   public:
     virtual ~AudioOutput() = default;
 
-    /// Frames that write() takes now. Never promises more than about a fifth of a second ahead of what is
-    /// heard.
+    /// Frames that write() takes now. Never promises more than about a third of a second ahead of what the
+    /// device has taken.
     virtual std::int64_t room() = 0;
     /// Takes interleaved frames, at most room() of them; they sound at once behind what was written before.
     virtual void write(std::span<const float> samples) = 0;

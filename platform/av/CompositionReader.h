@@ -45,6 +45,9 @@ class CompositionVideoReader {
     /// Blocks. \throws MediaError, CancellationError
     TimedPicture pictureAt(MediaTime t);
 
+    /// Pictures that the first step has decoded until now, on the way ones included.
+    std::int64_t decodedPictures() const;
+
     /// Second step: places the picture on the canvas and draws the layers above it.
     /// \return planar YUV 4:2:0, 8 bit, BT.709 limited range, canvas size; the caller's own.
     /// \throws MediaError, CancellationError

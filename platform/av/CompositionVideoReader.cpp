@@ -169,9 +169,16 @@ TimedPicture CompositionVideoReader::pictureAt(MediaTime t) {
     const AssetTrack& source = result.segment->track;
     auto& decoder = s.decoders[{source.path, source.streamIndex}];
     if (!decoder)
-        decoder = VideoDecoder::open(source.path, source.streamIndex, s.threads, s.stop);
+        decoder = VideoDecoder::open(source.path, source.streamIndex, s.threads, s.stop, source.known);
     result.picture = decoder->pictureAt(result.segment->source.start + (t - result.segment->target.start));
     return result;
+}
+
+std::int64_t CompositionVideoReader::decodedPictures() const {
+    std::int64_t sum = 0;
+    for (const auto& [source, decoder] : state_->decoders)
+        sum += decoder->decodedPictures();
+    return sum;
 }
 
 std::shared_ptr<AVFrame> CompositionVideoReader::render(const TimedPicture& picture) {

@@ -11,6 +11,10 @@ namespace {
 
 // Until somebody says at what size pictures are shown.
 constexpr double kDefaultHeight = 720.0;
+// A quarter of a minute at 30 pictures a second and the size that a preview usually has.
+constexpr std::size_t kMostKeptBytes = 128'000'000;
+// What takes longer to finish would keep the screen from the next pictures for too long.
+const MediaTime kMostToFinish(1, 1);
 
 /// One for each core that playing leaves; more only hold more pictures.
 int decodingThreads() {
@@ -25,6 +29,9 @@ double canvasScale(Size renderSize, int width, int height) {
 }
 
 }  // namespace
+
+FrameSource::FrameSource(PlayerState& state, std::stop_token stop)
+    : state_(state), stop_(std::move(stop)), kept_(kMostKeptBytes) {}
 
 void FrameSource::run() {
     while (true) {
@@ -51,21 +58,51 @@ void FrameSource::run() {
 }
 
 FrameSource::Job FrameSource::nextJob() {
-    skipLateFrames();
-    const Job job{state_.frameGeneration, state_.nextFrameLap, state_.nextFrameTime, state_.frameWidth,
-                  state_.frameHeight};
+    const bool isLate = finishesStretch();
+    if (!isLate)
+        skipLateFrames();
+    const Job job{state_.frameGeneration,
+                  state_.nextFrameLap,
+                  state_.nextFrameTime,
+                  state_.frameWidth,
+                  state_.frameHeight,
+                  state_.goesOnAtEnd() ? state_.line.loop() : std::nullopt,
+                  isLate};
+    state_.frameInWork = job.lap == 0 ? std::optional(job.time) : std::nullopt;
     state_.nextFrameTime = state_.grid.after(job.time);
     if (state_.nextFrameTime >= state_.duration) {
         ++state_.nextFrameLap;
         state_.nextFrameTime = state_.line.loop().value_or(kZeroTime);
     }
+    if (isLate)
+        ++state_.statistics.droppedFrames;
     return job;
+}
+
+std::int64_t FrameSource::currentLap() const {
+    return state_.lap + (state_.crossedEndAt ? 1 : 0);
+}
+
+/// When the picture that is due now begins, in the current lap.
+MediaTime FrameSource::currentFrame() const {
+    const double position = state_.positionAtTime(state_.clock.now());
+    return state_.grid.atOrBefore(state_.line.timeAt(currentLap(), position));
+}
+
+/// The next picture's time is over, but its stretch is in hand and short: to come back for the rest of it
+/// would cost as much as all of it.
+bool FrameSource::finishesStretch() const {
+    if (!state_.running || stretchGeneration_ != state_.frameGeneration ||
+        !stretch_.contains(state_.nextFrameTime) || stretch_.end() - state_.nextFrameTime > kMostToFinish)
+        return false;
+    return state_.nextFrameLap < currentLap() ||
+           (state_.nextFrameLap == currentLap() && state_.nextFrameTime < currentFrame());
 }
 
 void FrameSource::skipLateFrames() {
     if (!state_.running)
         return;
-    const std::int64_t lap = state_.lap + (state_.crossedEndAt ? 1 : 0);
+    const std::int64_t lap = currentLap();
     if (state_.nextFrameLap < lap) {
         skipTo(state_.duration);
         state_.nextFrameLap = lap;
@@ -73,9 +110,7 @@ void FrameSource::skipLateFrames() {
     }
     if (state_.nextFrameLap > lap)
         return;
-    const double position = state_.positionAtTime(state_.clock.now());
-    const MediaTime current = state_.grid.atOrBefore(state_.line.timeAt(lap, position));
-    if (current < state_.duration)
+    if (const MediaTime current = currentFrame(); current < state_.duration)
         skipTo(current);
 }
 
@@ -87,12 +122,10 @@ void FrameSource::skipTo(MediaTime time) {
 ReadyFrame FrameSource::make(const Job& job) {
     const VideoComposition& video = state_.item->videoComposition();
     const double scale = canvasScale(video.renderSize, job.width, job.height);
-    if (!reader_)
-        reader_ = std::make_unique<CompositionVideoReader>(state_.item->composition(), video, scale,
-                                                           decodingThreads(), stop_);
-    reader_->setCanvasScale(scale);
-    const auto canvas = reader_->render(reader_->pictureAt(job.time));
+    const auto canvas = canvasOf(job, scale);
     ReadyFrame ready;
+    if (job.isLate)
+        return ready;
     ready.lap = job.lap;
     ready.frame.time = job.time;
     ready.frame.picture =
@@ -101,9 +134,44 @@ ReadyFrame FrameSource::make(const Job& job) {
     return ready;
 }
 
+KeptPictures::Canvas FrameSource::canvasOf(const Job& job, double scale) {
+    if (scale != keptScale_ || job.loop != keptLoop_)
+        kept_.clear();
+    keptScale_ = scale;
+    keptLoop_ = job.loop;
+    if (auto kept = kept_.find(job.time))
+        return kept;
+    stretchGeneration_ = -1;
+    if (!reader_)
+        reader_ = std::make_unique<CompositionVideoReader>(
+            state_.item->composition(), state_.item->videoComposition(), scale, decodingThreads(), stop_);
+    reader_->setCanvasScale(scale);
+    const std::int64_t before = reader_->decodedPictures();
+    const TimedPicture picture = reader_->pictureAt(job.time);
+    KeptPictures::Canvas canvas = reader_->render(picture);
+    offer(job, picture, canvas, reader_->decodedPictures() - before);
+    return canvas;
+}
+
+void FrameSource::offer(const Job& job, const TimedPicture& picture, KeptPictures::Canvas canvas,
+                        std::int64_t decoded) {
+    if (!job.loop || job.time < *job.loop || !picture.segment)
+        return;
+    const MediaTime step = state_.grid.frameDuration;  // never changes
+    const MediaTime& length = picture.segment->target.duration;
+    const std::int64_t pictures = length.toUnits(step.timescale(), Rounding::up) / step.value() + 1;
+    if (!kept_.offer(picture.segment->target.start, pictures, job.time, std::move(canvas), decoded))
+        return;
+    stretchGeneration_ = job.generation;
+    stretch_ = picture.segment->target;
+}
+
 void FrameSource::deliver(const Job& job, ReadyFrame frame) {
     const std::scoped_lock lock(state_.mutex);
     if (state_.frameGeneration != job.generation)
+        return;
+    state_.frameInWork.reset();
+    if (job.isLate)
         return;
     frame.due = state_.line.positionOf(job.lap, job.time);
     state_.frameBytes += frame.frame.picture->bytes();

@@ -27,6 +27,9 @@ class HeardClock {
     int rateHz_;
     std::int64_t lastReport_ = 0;
     ClockTime lastNews_{-1};
+    ClockTime beganAt_{-1};  ///< nothing can have been heard before; negative: not known
+    double early_ = 0.0;     ///< frames that reports were ahead of what can have been heard
+    int underruns_ = 0;
     int reports_ = 0;
     int farReports_ = 0;
     double offset_ = 0.0;  ///< frames heard at clock time 0, were the stream endless

@@ -28,7 +28,7 @@ enum class ActionAtItemEnd { none, pause };
 struct PlayerStatistics {
     std::int64_t shownFrames = 0;
     std::int64_t droppedFrames = 0;   ///< were due while playing, but never shown
-    std::int64_t soundUnderruns = 0;  ///< times that the device ran dry while there was more to play
+    std::int64_t soundUnderruns = 0;  ///< times that the device had nothing to play although there was more
 };
 
 }  // namespace korvane

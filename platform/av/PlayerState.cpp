@@ -14,6 +14,7 @@ constexpr double kFramesAheadSeconds = 1.0;
 constexpr std::size_t kMostFrameBytes = 64'000'000;
 constexpr std::size_t kFewestFrames = 4;
 constexpr double kSoundAheadSeconds = 0.75;
+constexpr double kSoundBehindDeviceSeconds = 0.4;
 // What lies ready before playing starts.
 constexpr double kPrerollSeconds = 0.25;
 // Less would run dry before the next is read.
@@ -66,6 +67,8 @@ void PlayerState::halt(ClockTime now) {
 }
 
 void PlayerState::restart(MediaTime start) {
+    const PlayLine before = line;
+    const bool onFirstLap = lap == 0 && !picturesFailed && !soundFailed;
     ++generation;
     ++stream;
     running = false;
@@ -76,14 +79,58 @@ void PlayerState::restart(MediaTime start) {
     grid.origin = line.loop().value_or(kZeroTime);
     lap = 0;
     position = 0.0;
-    makeFramesFrom(0, start < duration ? start : frameTimeOf(start));
     picturesFailed = false;
     firstFrameDone = false;
-    sound.clear();
-    nextSoundLap = 0;
-    nextSoundFrom = 0;
     soundFailed = false;
+
+    // On the same line from another point on: what is ready there need not be made again. A preview begins
+    // with such a seek, a quarter of a second ahead.
+    const std::int64_t shift = before.positionOf(0, start);
+    const bool sameLine = onFirstLap && before.loop() == line.loop();
+    const MediaTime first = start < duration ? start : frameTimeOf(start);
+    if (!sameLine || !keepFramesFrom(first, shift))
+        makeFramesFrom(0, first);
+    if (!sameLine || !keepSoundFrom(shift)) {
+        ++soundGeneration;
+        sound.clear();
+        nextSoundLap = 0;
+        nextSoundFrom = 0;
+    }
     notify();
+}
+
+/// \return false when the picture of `time`, in lap 0, is neither ready nor being made.
+bool PlayerState::keepFramesFrom(MediaTime time, std::int64_t shift) {
+    const auto first =
+        std::ranges::find_if(frames, [&](const ReadyFrame& f) { return f.lap == 0 && f.frame.time == time; });
+    // Before the loop point was known, pictures may have been counted from another one.
+    const auto isCounted = [&](const ReadyFrame& f) {
+        return f.frame.time == time || grid.atOrBefore(f.frame.time) == f.frame.time;
+    };
+    if ((first == frames.end() && frameInWork != time) || !std::all_of(first, frames.end(), isCounted))
+        return false;
+    for (auto dropped = frames.begin(); dropped != first; ++dropped)
+        frameBytes -= dropped->frame.picture->bytes();
+    std::move(frames.begin(), first, std::back_inserter(discarded));
+    frames.erase(frames.begin(), first);
+    for (ReadyFrame& kept : frames)
+        kept.due -= shift;
+    return true;
+}
+
+bool PlayerState::keepSoundFrom(std::int64_t shift) {
+    const std::int64_t from = sound.empty() ? nextSoundFrom : sound.front().from;
+    if (shift < from || shift > nextSoundFrom)
+        return false;
+    while (!sound.empty() && sound.front().to <= shift)
+        sound.pop_front();
+    for (ReadySound& kept : sound) {
+        kept.from -= shift;
+        kept.to -= shift;
+    }
+    nextSoundFrom -= shift;
+    lineShift += shift;
+    return true;
 }
 
 void PlayerState::setLoop(MediaTime loop) {
@@ -114,6 +161,7 @@ MediaTime PlayerState::frameTimeOf(MediaTime t) const {
 
 void PlayerState::makeFramesFrom(std::int64_t firstLap, MediaTime time) {
     ++frameGeneration;
+    frameInWork.reset();
     std::ranges::move(frames, std::back_inserter(discarded));
     frames.clear();
     frameBytes = 0;
@@ -146,7 +194,10 @@ bool PlayerState::wantsFrame() const {
 bool PlayerState::wantsSound() const {
     if (!format || nextSoundLap > lastLapAllowed())
         return false;
-    return static_cast<double>(nextSoundFrom) - position < kSoundAheadSeconds * rateHz();
+    // Some devices hold most of a second themselves.
+    const auto from =
+        running ? static_cast<double>(soundWritten) - kSoundBehindDeviceSeconds * rateHz() : 0.0;
+    return static_cast<double>(nextSoundFrom) - std::max(position, from) < kSoundAheadSeconds * rateHz();
 }
 
 bool PlayerState::hasSoundToBegin() const {

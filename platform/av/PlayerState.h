@@ -2,8 +2,8 @@
 // what has been made ready ahead. Everything is guarded by `mutex`; nobody decodes, draws, writes sound or
 // calls back while holding it.
 //
-// A seek begins a new generation: what threads still make for an older one is thrown away when they come
-// back.
+// A seek begins a new generation. What was made ready and lies on the new line too is kept; of the rest, what
+// threads still make is thrown away when they come back.
 #pragma once
 
 #include <condition_variable>
@@ -76,7 +76,8 @@ class PlayerState {
     std::deque<ReadyFrame> frames;
     std::deque<ReadyFrame> discarded;  ///< for the pictures' thread to free: that takes milliseconds
     std::size_t frameBytes = 0;
-    std::int64_t frameGeneration = 0;  ///< counts how often the pictures made ready became void
+    std::int64_t frameGeneration = 0;      ///< counts how often the pictures made ready became void
+    std::optional<MediaTime> frameInWork;  ///< of lap 0: being made for this frame generation
     std::int64_t nextFrameLap = 0;
     MediaTime nextFrameTime;
     bool picturesFailed = false;  ///< no more in this generation
@@ -90,7 +91,10 @@ class PlayerState {
     std::deque<ReadySound> sound;
     std::int64_t nextSoundLap = 0;
     std::int64_t nextSoundFrom = 0;
-    bool soundFailed = false;  ///< silence from here on in this generation
+    std::int64_t soundWritten = 0;     ///< line position up to which a device has been given sound
+    std::int64_t soundGeneration = 0;  ///< counts how often the sound made ready became void
+    std::int64_t lineShift = 0;  ///< by how much the line began later at each seek that kept what was ready
+    bool soundFailed = false;    ///< silence from here on in this generation
     bool firstSoundDone = false;
     bool deviceWanted = false;  ///< sound is to be played soon
     bool deviceTried = false;   ///< and there is a device now, or none
@@ -132,6 +136,8 @@ class PlayerState {
   private:
     MediaTime frameTimeOf(MediaTime t) const;
     void makeFramesFrom(std::int64_t firstLap, MediaTime time);
+    bool keepFramesFrom(MediaTime time, std::int64_t shift);
+    bool keepSoundFrom(std::int64_t shift);
 
     bool everReady_ = false;
 };

@@ -9,8 +9,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The device takes a fifth of a second; refilled this often it can't run dry.
+// The device takes at least a fifth of a second; refilled this often it can't run dry.
 constexpr ClockTime kFeedEvery = 10ms;
+// Sound that is not ready by then before it is due comes too late for the device, which holds about so much.
+constexpr double kLateSeconds = 0.09;
+constexpr double kFillSeconds = 0.02;
 // How long the end's observer may take to seek to the loop point before playing on was a mistake.
 constexpr ClockTime kLoopGrace = 250ms;
 // A device that takes sound and plays nothing for this long is as good as none.
@@ -99,8 +102,9 @@ void Presenter::begin(ClockTime now) {
     state_.running = true;
     state_.moving = output_ == nullptr;
     stream_ = state_.stream;
-    streamFrom_ = written_ = static_cast<std::int64_t>(state_.position);
-    dry_ = false;
+    streamFrom_ = written_ = state_.soundWritten = static_cast<std::int64_t>(state_.position);
+    underruns_ = 0;
+    late_ = false;
     heard_.reset();
     if (output_)
         heard_.emplace(state_.rateHz());
@@ -110,9 +114,6 @@ void Presenter::advance(Lock& lock) {
     const std::int64_t stream = stream_;
     HeardFrames report;
     if (output_) {
-        feed(lock);
-        if (state_.stream != stream || !state_.running)
-            return;
         lock.unlock();
         report = output_->heard();
         const bool dead = output_->isDead();
@@ -123,13 +124,16 @@ void Presenter::advance(Lock& lock) {
         const double frames = heard_->framesAt(now, report, written_ - streamFrom_);
         state_.position = std::max(state_.position, static_cast<double>(streamFrom_) + frames);
         state_.positionAt = now;
-        state_.moving = frames > 0.0 && frames < static_cast<double>(written_ - streamFrom_);
-        countUnderrun(report.frames);
+        countUnderruns(report.underruns);
         if (dead || heard_->silentFor(now) > kDeviceSilence) {
             loseDevice(lock);
             retryDeviceAt_ = now + kRetryDevice;
             return;
         }
+        feed(lock);
+        if (state_.stream != stream || !state_.running)
+            return;
+        state_.moving = frames > 0.0 && frames < static_cast<double>(written_ - streamFrom_);
     } else {
         const ClockTime now = state_.clock.now();
         state_.position = state_.positionAtTime(now);
@@ -150,12 +154,19 @@ void Presenter::feed(Lock& lock) {
     while (room > 0 && state_.stream == stream) {
         const auto chunk = std::ranges::find_if(
             state_.sound, [&](const ReadySound& s) { return s.from <= written_ && written_ < s.to; });
-        if (chunk == state_.sound.end() || chunk->lap > state_.lastLapAllowed())
+        if (chunk == state_.sound.end()) {
+            if (!fillLateSound(lock))
+                return;
+            room = 0;
+            continue;
+        }
+        if (chunk->lap > state_.lastLapAllowed())
             return;
+        late_ = false;
         const std::int64_t count = std::min(room, chunk->to - written_);
         const auto first = chunk->samples.begin() + (written_ - chunk->from) * channels;
         samples.assign(first, first + count * channels);
-        written_ += count;
+        state_.soundWritten = written_ += count;
         room -= count;
         lock.unlock();
         output_->write(samples);
@@ -163,13 +174,29 @@ void Presenter::feed(Lock& lock) {
     }
 }
 
-/// Dry: everything written was heard, and there should be more.
-void Presenter::countUnderrun(std::int64_t heard) {
-    const bool more = written_ < state_.line.lapEnd(state_.lastLapAllowed());
-    const bool dry = more && written_ > streamFrom_ && heard >= written_ - streamFrom_;
-    if (dry && !dry_)
+/// Sound that is not ready when the device is about to run dry is left out: pictures don't wait for it, and
+/// what comes behind it is in time.
+bool Presenter::fillLateSound(Lock& lock) {
+    const std::int64_t end = state_.line.lapEnd(state_.lastLapAllowed());
+    const bool isLate = static_cast<double>(written_) - state_.position < kLateSeconds * state_.rateHz();
+    if (!isLate || written_ >= end || written_ == streamFrom_)
+        return false;
+    if (!std::exchange(late_, true))
         ++state_.statistics.soundUnderruns;
-    dry_ = dry;
+    const auto count = std::min(end - written_, static_cast<std::int64_t>(kFillSeconds * state_.rateHz()));
+    const std::vector<float> silence(static_cast<std::size_t>(count * state_.format->channels));
+    state_.soundWritten = written_ += count;
+    lock.unlock();
+    output_->write(silence);
+    lock.lock();
+    return true;
+}
+
+/// To be called before more is written: a device may run dry while this thread gets no processor.
+void Presenter::countUnderruns(int underruns) {
+    if (written_ < state_.line.lapEnd(state_.lastLapAllowed()))
+        state_.statistics.soundUnderruns += underruns - underruns_;
+    underruns_ = underruns;
 }
 
 /// Sound is kept until it was heard, so that another device can go on with it.

@@ -27,7 +27,8 @@ class Presenter {
     void begin(ClockTime now);
     void advance(Lock& lock);
     void feed(Lock& lock);
-    void countUnderrun(std::int64_t heard);
+    bool fillLateSound(Lock& lock);
+    void countUnderruns(int underruns);
     void releaseSound();
     void finishLap(ClockTime now);
     bool hasDueFrame() const;
@@ -45,7 +46,8 @@ class Presenter {
     std::int64_t stream_ = -1;         ///< the stream that is playing
     std::int64_t streamFrom_ = 0;      ///< line position of its first frame
     std::int64_t written_ = 0;         ///< line position of the next frame to be written
-    bool dry_ = false;                 ///< in the middle of an underrun
+    int underruns_ = 0;                ///< of the stream, as the device told last
+    bool late_ = false;                ///< silence stands in for sound that is not ready
     bool sleepsWithoutFrame_ = false;  ///< the next picture's time was not known when the sleep began
     ClockTime retryDeviceAt_ = kNoClockTime;
 };

@@ -35,6 +35,7 @@ class RealPreviewPlayer final : public PreviewPlayer {
     void setFrameConsumer(std::shared_ptr<FrameConsumer> consumer) override {
         player_.setFrameConsumer(std::move(consumer));
     }
+    PlayerStatistics statistics() const override { return player_.statistics(); }
 
   private:
     Player player_;

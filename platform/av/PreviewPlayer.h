@@ -34,6 +34,8 @@ class PreviewPlayer {
     virtual void setLoopHint(MediaTime loopPoint) = 0;
     virtual void setFrameSize(int width, int height) = 0;
     virtual void setFrameConsumer(std::shared_ptr<FrameConsumer> consumer) = 0;
+    /// Since it was made; all zero for one that counts nothing.
+    virtual PlayerStatistics statistics() const { return {}; }
 };
 
 /// Makes the player of an item, which begins at once to make itself ready.

@@ -15,6 +15,7 @@ void SoundSource::run() {
     while (true) {
         ReadySound ready;
         std::int64_t generation = 0;
+        std::int64_t lineShift = 0;
         std::int64_t sample = 0;
         bool silent = false;
         {
@@ -23,7 +24,8 @@ void SoundSource::run() {
                               [&] { return state_.stopping || state_.wantsSound(); });
             if (state_.stopping)
                 return;
-            generation = state_.generation;
+            generation = state_.soundGeneration;
+            lineShift = state_.lineShift;
             silent = state_.soundFailed;
             ready.lap = state_.nextSoundLap;
             ready.from = state_.nextSoundFrom;
@@ -44,8 +46,10 @@ void SoundSource::run() {
         ready.samples.resize(static_cast<std::size_t>((ready.to - ready.from) * state_.format->channels));
 
         const std::scoped_lock lock(state_.mutex);
-        if (state_.generation != generation)
+        if (state_.soundGeneration != generation)
             continue;
+        ready.from -= state_.lineShift - lineShift;
+        ready.to -= state_.lineShift - lineShift;
         state_.soundFailed = state_.soundFailed || error != nullptr;
         state_.firstSoundDone = state_.firstSoundDone || !state_.soundFailed;
         state_.nextSoundFrom = ready.to;

@@ -6,7 +6,7 @@
 
 namespace korvane {
 
-// The order of arguments and the meaning of their special values: Desktop Notifications Specification 1.2.
+// The order of arguments and the meaning of their special values: Desktop Notifications 1.2, freedesktop.org.
 void Notifications::show(const QString& summary, const QString& body) {
     if (!bus_)
         return;

@@ -33,6 +33,11 @@ std::shared_ptr<AVFrame> copyOfCanvas(const std::shared_ptr<const AVFrame>& canv
     return copy;
 }
 
+std::size_t bytesOf(const AVFrame& canvas) {
+    return static_cast<std::size_t>(canvas.linesize[0] + canvas.linesize[1]) *
+           static_cast<std::size_t>(canvas.height);
+}
+
 CanvasPlane planeOf(const AVFrame& canvas, int plane) {
     const int shift = plane == 0 ? 0 : 1;
     return {canvas.data[plane], canvas.linesize[plane], (canvas.width + shift) >> shift,

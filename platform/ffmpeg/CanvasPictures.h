@@ -17,6 +17,9 @@ std::shared_ptr<AVFrame> copyOfCanvas(const std::shared_ptr<const AVFrame>& canv
 /// Fills a planar 8-bit YUV 4:2:0 picture with limited-range black.
 void fillBlack(AVFrame& frame);
 
+/// Memory that a canvas picture takes.
+std::size_t bytesOf(const AVFrame& canvas);
+
 /// One plane of a canvas picture, for who shows or reads it; valid as long as the picture.
 struct CanvasPlane {
     const std::uint8_t* data = nullptr;

@@ -33,7 +33,7 @@ int Demuxer::interrupted(void* self) {
 }
 
 std::unique_ptr<Demuxer> Demuxer::open(const std::filesystem::path& path, std::stop_token stop,
-                                       Interest interest) {
+                                       Interest interest, const std::shared_ptr<const KnownStreams>& known) {
     silenceLibraryLog();
     std::unique_ptr<Demuxer> self(new Demuxer(path, std::move(stop)));
     checkCancelled(self->stop_);
@@ -67,6 +67,8 @@ std::unique_ptr<Demuxer> Demuxer::open(const std::filesystem::path& path, std::s
         for (unsigned i = 0; i < context->nb_streams; ++i)
             if (context->streams[i]->codecpar->codec_type != AVMEDIA_TYPE_AUDIO)
                 context->streams[i]->discard = AVDISCARD_ALL;
+    if (known && known->tell(*context, path))
+        return self;
     const int found = avformat_find_stream_info(context, nullptr);
     if (found < 0)
         throwOpenError(found, path);

@@ -9,6 +9,7 @@
 
 #include "platform/ffmpeg/EditLists.h"
 #include "platform/ffmpeg/Handles.h"
+#include "platform/ffmpeg/KnownStreams.h"
 #include "platform/time/MediaTime.h"
 
 namespace korvane {
@@ -21,8 +22,14 @@ class Demuxer {
 
     /// \throws MediaError when the file can't be opened or understood; CancellationError once stop is
     /// requested.
+    /// \param known  what learnt() said of the same file, which is then not looked at again.
     static std::unique_ptr<Demuxer> open(const std::filesystem::path& path, std::stop_token stop,
-                                         Interest interest = Interest::everything);
+                                         Interest interest = Interest::everything,
+                                         const std::shared_ptr<const KnownStreams>& known = nullptr);
+
+    /// For who opens the file again. Before anything was read, and after an interest in everything; may be
+    /// null.
+    std::shared_ptr<const KnownStreams> learnt() const { return KnownStreams::of(*format_, path_); }
 
     const std::filesystem::path& path() const { return path_; }
     AVFormatContext* format() const { return format_.get(); }

@@ -182,10 +182,13 @@ MediaFacts probeMedia(const std::filesystem::path& path, std::stop_token stop, P
     const bool soundOnly = interest == ProbeInterest::sound;
     const auto demuxer =
         Demuxer::open(path, stop, soundOnly ? Demuxer::Interest::sound : Demuxer::Interest::everything);
+    const auto known = soundOnly ? nullptr : demuxer->learnt();
     MediaFacts facts;
     for (unsigned i = 0; i < demuxer->format()->nb_streams; ++i)
         if (isWanted(*demuxer->stream(static_cast<int>(i))))
             facts.streams.push_back(factsOf(*demuxer, static_cast<int>(i)));
+    for (StreamFacts& s : facts.streams)
+        s.known = known;
 
     const AVFormatContext& format = *demuxer->format();
     const bool fragmented = demuxer->isFragmented();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <stop_token>
 #include <vector>
 
@@ -9,6 +10,8 @@
 #include "platform/time/MediaTime.h"
 
 namespace korvane {
+
+class KnownStreams;
 
 struct StreamFacts {
     int index = 0;
@@ -22,6 +25,8 @@ struct StreamFacts {
 
     int sampleRateHz = 0;
     int channels = 0;
+
+    std::shared_ptr<const KnownStreams> known;  ///< for who decodes it; may be null
 };
 
 struct MediaFacts {

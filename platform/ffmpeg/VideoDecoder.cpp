@@ -63,6 +63,8 @@ class LibavVideoDecoder final : public VideoDecoder {
         return current_;
     }
 
+    std::int64_t decodedPictures() const override { return decoded_; }
+
   private:
     /// The picture at hand is known to be the right one: its successor comes later, or there is none.
     bool isShown(std::int64_t target) const {
@@ -186,6 +188,7 @@ class LibavVideoDecoder final : public VideoDecoder {
             return {};
         }
         lastTicks_ = ticks;
+        ++decoded_;
         Frame copy = makeFrame();
         av_frame_move_ref(copy.get(), frame_.get());
         return {std::shared_ptr<const AVFrame>(copy.release(), [](AVFrame* f) { av_frame_free(&f); }), ticks};
@@ -224,13 +227,15 @@ class LibavVideoDecoder final : public VideoDecoder {
     bool draining_ = false;
     bool skippingAllowed_ = true;
     int uselessSkips_ = 0;
+    std::int64_t decoded_ = 0;
 };
 
 }  // namespace
 
 std::unique_ptr<VideoDecoder> VideoDecoder::open(const std::filesystem::path& path, int streamIndex,
-                                                 int threads, std::stop_token stop) {
-    auto demuxer = Demuxer::open(path, std::move(stop));
+                                                 int threads, std::stop_token stop,
+                                                 const std::shared_ptr<const KnownStreams>& known) {
+    auto demuxer = Demuxer::open(path, std::move(stop), Demuxer::Interest::everything, known);
     CodecContext codec = openDecoder(*demuxer, streamIndex, threads);
     demuxer->select(streamIndex);
     return std::make_unique<LibavVideoDecoder>(std::move(demuxer), streamIndex, std::move(codec));

@@ -3,17 +3,49 @@
 #include <utility>
 #include <vector>
 
+#include "platform/models/SpeechModelStore.h"
+#include "platform/speech/whisper/WhisperEngine.h"
+
 #if KORVANE_HAS_POCKETSPHINX
 #include "platform/speech/pocketsphinx/PocketSphinxEngine.h"
 #endif
 
 namespace korvane {
+namespace {
 
-std::unique_ptr<SpeechRecognizerRegistry> makeInstalledSpeechEngines() {
+constexpr const char* whisperName = "whisper";
+constexpr const char* pocketSphinxName = "pocketsphinx";
+
+void check(const SpeechChoice& choice) {
+    if (!choice.engine)
+        return;
+    if (*choice.engine != whisperName && *choice.engine != pocketSphinxName)
+        throw RecognitionError("There is no engine \"" + *choice.engine +
+                               "\"; there are whisper and pocketsphinx.");
+    if (choice.model && *choice.engine != whisperName)
+        throw RecognitionError("A model can be chosen for the engine whisper only.");
+}
+
+std::unique_ptr<SpeechEngine> makeWhisper(const SpeechChoice& choice) {
+    const SpeechModelStore store(StandardFolders::of(processEnvironment()));
+    FindWhisperModel find = [store] { return store.inUse(); };
+    if (choice.model)
+        find = [model = store.resolve(*choice.model)] { return std::optional(model); };
+    return std::make_unique<WhisperEngine>(std::move(find), whisperSettingsHere());
+}
+
+}  // namespace
+
+std::unique_ptr<SpeechRecognizerRegistry> makeInstalledSpeechEngines(const SpeechChoice& choice) {
+    check(choice);
     std::vector<std::unique_ptr<SpeechEngine>> engines;
+    if (!choice.engine || *choice.engine == whisperName)
+        engines.push_back(makeWhisper(choice));
 #if KORVANE_HAS_POCKETSPHINX
-    engines.push_back(std::make_unique<PocketSphinxEngine>(
-        PocketSphinxModels(StandardFolders::of(processEnvironment()), KORVANE_POCKETSPHINX_MODELS)));
+    // Who names a model means that one and no other engine.
+    if (!choice.model && (!choice.engine || *choice.engine == pocketSphinxName))
+        engines.push_back(std::make_unique<PocketSphinxEngine>(
+            PocketSphinxModels(StandardFolders::of(processEnvironment()), KORVANE_POCKETSPHINX_MODELS)));
 #endif
     return std::make_unique<SpeechRecognizerRegistry>(std::move(engines));
 }

@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
+#include "platform/folders/StandardFolders.h"
 #include "platform/speech/SpeechAuthorization.h"
-#include "platform/speech/StandardFolders.h"
 
 namespace korvane {
 

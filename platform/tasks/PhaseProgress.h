@@ -10,23 +10,24 @@
 
 namespace korvane {
 
-/// Made and destroyed on the main thread. Destroying it ends the phase: fractions that arrive later, and
+/// Made and destroyed on the main thread. Destroying it ends the phase: reports that arrive later, and
 /// those that still wait in the queue, are dropped.
-class PhaseProgress {
+template <class Report>
+class PhaseReports {
   public:
     /// \param apply  called on the main thread only, as long as this stands.
     /// \param queue  must outlive every copy of callback().
-    PhaseProgress(MainQueue& queue, std::function<void(double)> apply)
+    PhaseReports(MainQueue& queue, std::function<void(Report)> apply)
         : queue_(queue), apply_(std::make_shared<Apply>(std::move(apply))) {}
 
-    /// For a service: callable from any thread, at any time, also after this is gone. Fractions that come on
+    /// For a service: callable from any thread, at any time, also after this is gone. Reports that come on
     /// the main thread are applied at once.
-    std::function<void(double)> callback() const {
+    std::function<void(Report)> callback() const {
         return [&queue = queue_, main = std::this_thread::get_id(),
-                listener = std::weak_ptr<Apply>(apply_)](double fraction) {
-            const auto deliver = [listener, fraction] {
+                listener = std::weak_ptr<Apply>(apply_)](Report report) {
+            const auto deliver = [listener, report] {
                 if (const auto apply = listener.lock())
-                    (*apply)(fraction);
+                    (*apply)(report);
             };
             if (std::this_thread::get_id() == main)
                 deliver();
@@ -36,9 +37,12 @@ class PhaseProgress {
     }
 
   private:
-    using Apply = std::function<void(double)>;
+    using Apply = std::function<void(Report)>;
     MainQueue& queue_;
     std::shared_ptr<Apply> apply_;  // weak elsewhere, and locked on the main thread only
 };
+
+/// The share that is done, from 0 to 1.
+using PhaseProgress = PhaseReports<double>;
 
 }  // namespace korvane

@@ -150,6 +150,35 @@ TEST_F(Export, writesExactlyWhatWasPreviewed) {
     EXPECT_EQ(style, previewed);
 }
 
+TEST_F(Export, tellsWhenItWouldNotWriteWhatIsChosenNow) {
+    int told = 0;
+    QObject::connect(&view(), &ContentView::previewOutdatedChanged, [&told] { ++told; });
+    EXPECT_FALSE(view().isPreviewOutdated()) << "nothing is built";
+    showPreview();
+    EXPECT_FALSE(view().isPreviewOutdated());
+    const SubtitleSettings built = view().subtitleSettings();
+    told = 0;
+
+    view().toggleWord(1);
+    EXPECT_TRUE(view().isPreviewOutdated());
+    view().toggleWord(1);
+    EXPECT_FALSE(view().isPreviewOutdated()) << "taken back";
+    view().selectNoWords();
+    EXPECT_TRUE(view().isPreviewOutdated());
+    view().selectAllWords();
+    EXPECT_FALSE(view().isPreviewOutdated());
+    EXPECT_EQ(told, 4);
+
+    SubtitleSettings later = built;
+    later.fontSize += 1.0;
+    view().setSubtitleSettings(later);
+    EXPECT_TRUE(view().isPreviewOutdated());
+    EXPECT_EQ(told, 5);
+    view().closePreview();
+    EXPECT_FALSE(view().isPreviewOutdated()) << "nothing can be exported";
+    EXPECT_EQ(told, 6);
+}
+
 TEST_F(Export, showsFractionsUnchanged) {
     script_->write = [](const auto&, const auto&, const auto&, const auto&, const OnProgress& onProgress,
                         const auto&) {

@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "tests/app/LineTimers.h"
 #include "tests/app/ScreenFixture.h"
 
 namespace korvane {
@@ -51,9 +52,6 @@ class LiveSubtitle : public Screen {
     void expectNobodyLooks() {
         EXPECT_EQ(view().subtitleTimer(), nullptr);
         EXPECT_EQ(shown(), "");
-    }
-    std::ptrdiff_t timers() {
-        return view().findChildren<QTimer*>().size() + (view().subtitleTimer() ? 1 : 0);
     }
 };
 
@@ -120,7 +118,9 @@ TEST_F(LiveSubtitle, aSecondPreviewReplacesTheFirstWithoutASecondTimer) {
     runUntilIdle();
     view().previewAppeared();
     view().previewAppeared();
-    EXPECT_EQ(timers(), 1);
+    const LineTimers timers;
+    runUntil([&] { return timers.ticks >= 4; });
+    EXPECT_EQ(timers.seen.size(), 1u);
     EXPECT_EQ(players_.alive, 1);
 }
 

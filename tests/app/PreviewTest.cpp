@@ -179,6 +179,15 @@ TEST_F(Preview, atTheEndItGoesBackToTheLoopPointAndPlaysOn) {
     EXPECT_EQ(log_.size(), 4u);
 }
 
+TEST_F(Preview, thePlayerKnowsBeforehandWhereItWillGoBackTo) {
+    loadWords();
+    showPreview();
+    EXPECT_EQ(players_.loopHint, MediaTime(150, 600));
+    buildWithPreroll(kZeroTime);
+    showPreview();
+    EXPECT_EQ(players_.loopHint, kZeroTime);
+}
+
 TEST_F(Preview, withoutALeadInItLoopsFromTheBeginning) {
     loadWords();
     buildWithPreroll(kZeroTime);

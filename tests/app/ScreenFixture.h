@@ -21,6 +21,7 @@
 #include "platform/defaults/MemoryUserDefaults.h"
 #include "platform/tasks/Cancellation.h"
 #include "platform/tasks/QtMainQueue.h"
+#include "tests/app/ScriptedModels.h"
 #include "tests/app/ScriptedPlayers.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -189,6 +190,7 @@ class Screen : public testing::Test {
     ContentView::Date now_{std::chrono::seconds(1'000'000)};
     std::shared_ptr<Script> script_ = std::make_shared<Script>();
     PlayerScript players_;
+    std::shared_ptr<ModelsScript> modelsScript_ = std::make_shared<ModelsScript>();
     bool isInFront_ = true;
     std::filesystem::path audio_ = folder_.path() / "audio.m4a";
     std::unique_ptr<ContentView> view_;
@@ -234,7 +236,8 @@ class Screen : public testing::Test {
                     [this](const QString& summary, const QString& body) {
                         log_.push_back("notify " + summary.toStdString() + ": " + body.toStdString());
                     },
-                .showInFolder = [this](const auto& file) { log_.push_back("show " + file.string()); }}});
+                .showInFolder = [this](const auto& file) { log_.push_back("show " + file.string()); }},
+            .speechModels = std::make_unique<ScriptedModels>(modelsScript_)});
     }
 
     ContentViewPeer peer() { return ContentViewPeer(*view_); }
@@ -271,9 +274,10 @@ class Screen : public testing::Test {
         return {std::move(item), {{0.25, 1.2, "A"}, {1.2, 2.0, "B"}}, style, video, words, preroll};
     }
 
-    /// Runs the event loop until it is so, asleep between events; fails after ten seconds.
+    /// Runs the event loop until it is so, asleep between events; fails after a minute, as an export on a
+    /// machine with much other work takes more than ten seconds.
     static void runUntil(const std::function<bool()>& condition) {
-        const QDeadlineTimer deadline(10'000);
+        const QDeadlineTimer deadline(60'000);
         QTimer look;  // for what becomes so on a worker, which wakes nobody
         look.start(5);
         while (!condition()) {

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +24,7 @@ struct PlayerScript {
     PreviewPlayer::Completion seekAnswer;
     PreviewPlayer::Completion prerollAnswer;
     std::vector<std::function<void()>> atEnd;  ///< observers of the last player
+    std::optional<MediaTime> loopHint;         ///< of the last player
     std::shared_ptr<FrameConsumer> consumer;   ///< of the last player
     std::pair<int, int> frameSize;             ///< of the last player
     int made = 0;
@@ -42,6 +44,7 @@ class ScriptedPlayer final : public PreviewPlayer {
         ++script_.made;
         ++script_.alive;
         script_.atEnd.clear();
+        script_.loopHint.reset();
         script_.consumer = nullptr;
         if (script_.makesReady)
             item->becomeReady();
@@ -79,7 +82,7 @@ class ScriptedPlayer final : public PreviewPlayer {
         script_.note("observe end");
         script_.atEnd.push_back(std::move(observer));
     }
-    void setLoopHint(MediaTime) override {}
+    void setLoopHint(MediaTime loopPoint) override { script_.loopHint = loopPoint; }
     void setFrameSize(int width, int height) override { script_.frameSize = {width, height}; }
     void setFrameConsumer(std::shared_ptr<FrameConsumer> consumer) override {
         script_.consumer = std::move(consumer);

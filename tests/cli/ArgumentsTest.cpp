@@ -43,6 +43,13 @@ TEST(Arguments, theDefaultOutputLiesInTheCurrentFolder) {
     EXPECT_EQ(parsed<ExportRequest>({"export", "a", "-w", "b"}).reel.output, "korvane_output.mp4");
 }
 
+TEST(Arguments, aReelIsNotForStandardOutputButAFileMayHaveThatName) {
+    const std::string no = "A reel can't be written to standard output; give the name of a file.";
+    EXPECT_EQ(refusal({"reel", "a", "-l", "en-US", "-o", "-"}), no);
+    EXPECT_EQ(refusal({"export", "a", "-w", "b", "--output=-"}), no);
+    EXPECT_EQ(parsed<ExportRequest>({"export", "a", "-w", "b", "-o", "./-"}).reel.output, "./-");
+}
+
 TEST(Arguments, theExportTakesWordsSelectionAndStyle) {
     const auto request = parsed<ExportRequest>({"export", "v", "--words", "w.json", "--select", "0-5,8,12-",
                                                 "--drop", "3", "--select", "9", "--style", "s.json"});
@@ -74,6 +81,45 @@ TEST(Arguments, theFormatComesFromTheOptionElseTheEndingElseIsText) {
 
 TEST(Arguments, aDashAsOutputIsStandardOutput) {
     EXPECT_FALSE(parsed<TranscribeRequest>({"transcribe", "v", "-l", "en-US", "-o", "-"}).output);
+}
+
+TEST(Arguments, theEngineAndItsModelCanBeChosen) {
+    const auto reel =
+        parsed<ReelRequest>({"reel", "a", "-l", "en", "--engine", "whisper", "--model", "m.bin"});
+    EXPECT_EQ(reel.speech.engine, "whisper");
+    EXPECT_EQ(reel.speech.model, "m.bin");
+    EXPECT_FALSE(parsed<TranscribeRequest>({"transcribe", "a", "-l", "en"}).speech.engine);
+    EXPECT_EQ(parsed<TranscribeRequest>({"transcribe", "a", "-l", "en", "--model", "base"}).speech.model,
+              "base");
+    const auto with = [](const Strings& more) {
+        Strings arguments{"transcribe", "a", "-l", "en", "-o", "a.srt"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return refusal(arguments);
+    };
+    EXPECT_EQ(with({"--engine", "other"}),
+              "There is no engine \"other\"; there are whisper and pocketsphinx.");
+    EXPECT_EQ(with({"--engine", "pocketsphinx", "--model", "base"}),
+              "A model can be chosen for whisper only.");
+    EXPECT_EQ(with({"--model", ""}), "--model needs a value.");
+    EXPECT_NE(refusal({"export", "a", "-w", "b", "--model", "base"}), "accepted");
+}
+
+TEST(Arguments, theModelsAreToldWhatToDo) {
+    using Action = ModelsRequest::Action;
+    EXPECT_EQ(parsed<ModelsRequest>({"models", "list"}).action, Action::list);
+    EXPECT_EQ(parsed<ModelsRequest>({"models", "path"}).action, Action::path);
+    const auto install = parsed<ModelsRequest>({"models", "install", "base", "--proxy", "http://p:1"});
+    EXPECT_EQ(install.action, Action::install);
+    EXPECT_EQ(install.subject, "base");
+    EXPECT_EQ(install.proxy, "http://p:1");
+    EXPECT_EQ(parsed<ModelsRequest>({"models", "add", "--", "-odd.bin"}).subject, "-odd.bin");
+    EXPECT_EQ(parsed<ModelsRequest>({"models", "use", "a"}).action, Action::use);
+    EXPECT_EQ(parsed<ModelsRequest>({"models", "remove", "a"}).action, Action::remove);
+    for (const Strings& wrong :
+         {Strings{"models"}, Strings{"models", "fetch"}, Strings{"models", "install"},
+          Strings{"models", "install", ""}, Strings{"models", "list", "a"},
+          Strings{"models", "add", "a", "b"}, Strings{"models", "list", "--proxy", "a"}})
+        EXPECT_TRUE(refusal(wrong).ends_with('.')) << refusal(wrong);
 }
 
 TEST(Arguments, quietMayStandBeforeOrBehindTheCommand) {

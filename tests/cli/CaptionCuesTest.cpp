@@ -62,6 +62,10 @@ TEST(CaptionCues, aCueLastsFiveSecondsAtMost) {
 TEST(CaptionCues, chineseAndJapaneseStandWithoutBlanks) {
     EXPECT_EQ(grouped({{"日本", 0.0, 0.5}, {"語", 0.5, 1.0}}, "ja-JP")[0].text, "日本語");
     EXPECT_EQ(grouped({{"你", 0.0, 0.5}, {"好", 0.5, 1.0}}, "zh-CN")[0].text, "你好");
+    EXPECT_EQ(
+        grouped({{"用", 0.0, 0.5}, {"iPhone", 0.5, 1.0}, {"Pro", 1.0, 1.5}, {"吗", 1.5, 2.0}}, "zh-CN")[0]
+            .text,
+        "用iPhone Pro吗");
 }
 
 TEST(CaptionCues, noCueIsEmptyOrReachesIntoTheNext) {

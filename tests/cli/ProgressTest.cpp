@@ -49,6 +49,15 @@ TEST(Progress, extractionFillsThirtyPercentAndTranscriptionTheRest) {
     EXPECT_DOUBLE_EQ(overallProgress(Phase::exportingVideo, 0.5), 0.5);
 }
 
+TEST(Progress, aDownloadFillsItsOwnHundredPercentAndBringsItsOwnTime) {
+    EXPECT_DOUBLE_EQ(overallProgress(Phase::downloadingModel, 0.5), 0.5);
+    EXPECT_DOUBLE_EQ(overallProgress(Phase::copyingModel, 0.1), 0.1);
+    const ProgressState state{Phase::downloadingModel, 0.5, 10.0, "4.2 MB/s  42 s left"};
+    EXPECT_EQ(progressLine(state, 79), "Downloading  [############............] 50%  4.2 MB/s  42 s left");
+    EXPECT_EQ(progressLine(state, 40), "Downloading  50%  4.2 MB/s  42 s left");
+    EXPECT_EQ(plainProgressLine(state), "Downloading: 50%");
+}
+
 TEST(Progress, thePercentageIsTruncated) {
     EXPECT_EQ(percent({Phase::exportingVideo, 0.999, 0.0}), 99);
     EXPECT_EQ(percent({Phase::exportingVideo, 1.0, 0.0}), 100);

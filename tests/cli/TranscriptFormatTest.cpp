@@ -21,6 +21,7 @@ TEST(TranscriptFormat, textHasALineForEachStretchBetweenPauses) {
     EXPECT_EQ(formatText(talk), "So we <go>\nTom &\nAnn\n");
     EXPECT_EQ(formatText({}), "");
     EXPECT_EQ(formatText({"ja-JP", {}, {{"日本", 0, 1}, {"語", 1, 2}}}), "日本語\n");
+    EXPECT_EQ(formatText({"ja-JP", {}, {{"New", 0, 1}, {"York", 1, 2}, {"へ", 2, 3}}}), "New Yorkへ\n");
 }
 
 TEST(TranscriptFormat, subRipNumbersItsCuesAndUsesCommas) {

@@ -495,11 +495,11 @@ class Papers(Case):
     source = Path(__file__).resolve().parent.parent.parent / "cli"
 
     def options_in_help(self):
-        text = "".join(self.run_cli("help", topic)[0] for topic in ("", "reel", "transcribe", "export", "languages"))
+        text = "".join(self.run_cli("help", topic)[0] for topic in ("", "reel", "transcribe", "export", "languages", "models"))
         return set(re.findall(r"(?m)^ +(?:-\w, )? *(--[a-z]+)", text))
 
     def test_help_is_on_every_level_and_goes_to_standard_output(self):
-        for arguments in (["--help"], ["help"], *([name, "--help"] for name in ("reel", "transcribe", "export", "languages"))):
+        for arguments in (["--help"], ["help"], *([name, "--help"] for name in ("reel", "transcribe", "export", "languages", "models"))):
             out, err = self.run_cli(*arguments)
             self.assertIn("korvane-cli", out)
             self.assertEqual(err, "")
@@ -515,9 +515,15 @@ class Papers(Case):
         for code in ("0", "1", "2", "130"):
             self.assertRegex(text, rf"(?m)^\.B {code}$")
 
+    def test_the_start_script_takes_every_command_for_one_whatever_files_lie_around(self):
+        script = (self.source.parent / "run").read_text()
+        commands = set(re.search(r"(?m)^([a-z |]+)\) ;;$", script)[1].split(" | "))
+        listed = re.search(r"(?ms)^Commands:\n(.*?)\n\n", self.run_cli("--help")[0])[1]
+        self.assertEqual(commands, set(re.findall(r"(?m)^  (\w+)", listed)))
+
     def completed(self, *words):
         script = f'. "{self.source}/korvane-cli.bash"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _korvane_cli; printf "%s\\n" "${{COMPREPLY[@]}}"'
-        result = subprocess.run(["bash", "-c", script, "bash", "korvane-cli", *words], cwd=self.folder, capture_output=True, text=True, check=True)
+        result = subprocess.run(["bash", "-c", script, "bash", CLI, *words], cwd=self.folder, env=self.environment, capture_output=True, text=True, check=True)
         self.assertEqual(result.stderr, "")
         return result.stdout.split()
 
@@ -530,7 +536,13 @@ class Papers(Case):
         self.assertEqual(self.completed("reel", "ta"), ["talk.mp4"])
         self.assertEqual(self.completed("export", "talk.mp4", "--words", ""), ["words.json"])
         self.assertEqual(self.completed("transcribe", "-f", "s"), ["srt"])
+        self.assertEqual(self.completed("transcribe", "--engine", "w"), ["whisper"])
+        self.assertEqual(self.completed("models", "i"), ["install"])
+        self.assertEqual(self.completed("models", "install", "base"), ["base-q8_0"])
+        self.assertEqual(self.completed("models", "remove", ""), [])
+        self.assertEqual(self.completed("models", "add", "ta"), ["talk.mp4"])
         known = set(self.completed("-")) | set().union(*(self.completed(name, "-") for name in ("reel", "transcribe", "export")))
+        known |= set(self.completed("models", "list", "-"))
         self.assertEqual(known, self.options_in_help())
 
 

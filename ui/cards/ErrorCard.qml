@@ -1,4 +1,5 @@
-// What went wrong, in words that can be selected and copied. Opens and closes smoothly; a long text scrolls.
+// What went wrong, in words that can be selected and copied, and the way out where there is one. Opens and closes
+// smoothly; a long text scrolls.
 import QtQuick
 import Korvane.Controls
 
@@ -7,12 +8,23 @@ Item {
 
     required property string message
     required property bool shown
+    property bool modelWouldHelp: false
+
+    signal modelRequested(byKeys: bool)
 
     // What is read while the card closes is still there.
     property string lastMessage: ""
-    onMessageChanged: if (message.length > 0)
-        lastMessage = message
-    Component.onCompleted: lastMessage = message
+    property bool lastWouldHelp: false
+    onMessageChanged: if (message.length > 0) {
+        lastMessage = message;
+        lastWouldHelp = modelWouldHelp;
+    }
+    onModelWouldHelpChanged: if (shown || modelWouldHelp)
+        lastWouldHelp = modelWouldHelp
+    Component.onCompleted: {
+        lastMessage = message;
+        lastWouldHelp = modelWouldHelp;
+    }
 
     readonly property real textHeight: Math.min(edit.implicitHeight, 5 * lines.lineSpacing)
 
@@ -41,7 +53,7 @@ Item {
     GlassCard {
         id: card
         width: frame.width
-        height: Math.max(frame.textHeight, 18) + 2 * verticalPadding
+        height: Math.max(frame.textHeight, way.visible ? way.height : 18) + 2 * verticalPadding
         verticalPadding: 12
 
         Icon {
@@ -49,15 +61,16 @@ Item {
             name: "exclamationmark.triangle.fill"
             size: 16
             color: Theme.orange
-            y: Math.round((lines.lineSpacing - height) / 2)
+            y: view.y + Math.round((lines.lineSpacing - height) / 2)
         }
         Flickable {
             id: view
             anchors.left: sign.right
             anchors.leftMargin: 10
-            anchors.right: parent.right
-            anchors.top: parent.top
-            anchors.bottom: parent.bottom
+            anchors.right: way.visible ? way.left : parent.right
+            anchors.rightMargin: way.visible ? 14 : 0
+            y: Math.round((parent.height - height) / 2)
+            height: frame.textHeight
             contentHeight: edit.implicitHeight
             contentWidth: width
             boundsBehavior: Flickable.StopAtBounds
@@ -100,6 +113,16 @@ Item {
             anchors.fill: view
             shown: edit.visualFocus
             cornerRadius: 4
+        }
+        PrimaryPill {
+            id: way
+            objectName: "installModel"
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            visible: frame.lastWouldHelp
+            enabled: frame.modelWouldHelp
+            text: "Install a model…"
+            onClicked: frame.modelRequested(way.visualFocus)
         }
     }
 }

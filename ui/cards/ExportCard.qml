@@ -13,6 +13,7 @@ GlassCard {
     required property bool exportEnabled
     required property bool stopVisible
     required property bool folderVisible  // a finished file can be shown
+    property bool previewOutdated: false  // the export would not be what is chosen now
 
     signal previewRequested
     signal exportRequested
@@ -57,8 +58,8 @@ GlassCard {
         Text {
             id: hint
             objectName: "exportHint"
-            visible: !card.hasSelection
-            text: "Select words to export"
+            visible: !card.hasSelection || card.previewOutdated
+            text: card.hasSelection ? "Preview again to export your changes" : "Select words to export"
             color: Theme.white(0.45)
             font.pixelSize: 11
             Accessible.role: Accessible.StaticText

@@ -32,6 +32,11 @@ GlassCard {
             transcribe.forceActiveFocus(reason);
     }
 
+    /// Gives the keyboard to what begins the work.
+    function takeFocus(reason: int) {
+        (transcribe.enabled ? transcribe : load).forceActiveFocus(reason);
+    }
+
     onStopVisibleChanged: later.start()
 
     // When the other one can take it.

@@ -1,4 +1,4 @@
-// The name of the program, and the language that is spoken in the video.
+// The name of the program, the language that is spoken in the video, and the quiet way to the models that hear it.
 import QtQuick
 import Korvane.Controls
 
@@ -8,8 +8,10 @@ GlassCard {
     required property list<string> languageNames
     required property int languageIndex
     required property bool languageEnabled
+    property bool modelsOffered: false
 
     signal languagePicked(int index)
+    signal modelsRequested(byKeys: bool)
 
     implicitHeight: names.height + 2 * verticalPadding
 
@@ -34,6 +36,7 @@ GlassCard {
         }
     }
     MenuPicker {
+        id: picker
         objectName: "languagePicker"
         anchors.right: parent.right
         anchors.verticalCenter: names.verticalCenter
@@ -44,5 +47,18 @@ GlassCard {
         currentIndex: card.languageIndex
         enabled: card.languageEnabled
         onPicked: index => card.languagePicked(index)
+    }
+    // After the picker, which is what a person comes for, also by the Tab key.
+    LinkButton {
+        id: models
+        objectName: "speechModels"
+        anchors.right: picker.left
+        anchors.rightMargin: 14
+        anchors.verticalCenter: names.verticalCenter
+        visible: card.modelsOffered
+        text: "Speech models…"
+        color: Theme.white(0.45)
+        size: 12
+        onClicked: card.modelsRequested(models.visualFocus)
     }
 }

@@ -136,8 +136,10 @@ QSGNode* PixelItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
         const QSize size = pictureSize(pixels, ratio);
         const QByteArray look = pictureKey();
         const auto made = [&] {
-            return Texture(
-                window()->createTextureFromImage(picture(size, ratio), QQuickWindow::TextureHasAlphaChannel));
+            const QImage image = picture(size, ratio);
+            return Texture(window()->createTextureFromImage(image, image.hasAlphaChannel()
+                                                                       ? QQuickWindow::TextureHasAlphaChannel
+                                                                       : QQuickWindow::TextureIsOpaque));
         };
         Texture texture;
         if (look.isEmpty()) {

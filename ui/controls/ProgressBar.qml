@@ -27,7 +27,8 @@ Item {
         color: Theme.white(0.08)
     }
     ContinuousRectangle {
-        width: Math.max(0, Math.min(bar.width, bar.fillWidth))
+        // Whole pixels: a step that nobody sees draws nothing.
+        width: Math.round(Math.max(0, Math.min(bar.width, bar.fillWidth)) * Screen.devicePixelRatio) / Screen.devicePixelRatio
         height: parent.height
         radius: height / 2
         gradientFrom: Theme.accentLo

@@ -21,6 +21,8 @@ QImage WindowBackground::picture(const QSize& size, qreal ratio) const {
     QImage image = ditheredGradient(size, Theme::bgTop(), Theme::bgBottom());
     const int radius = qRound(std::min(cornerRadius_ * ratio, std::min(size.width(), size.height()) / 2.0));
     if (radius <= 0) {
+        // Opaque, as every pixel is, and said to be: what lies behind needn't be drawn.
+        image.reinterpretAsFormat(QImage::Format_RGB32);
         return image;
     }
     QImage disc(2 * radius, 2 * radius, QImage::Format_ARGB32_Premultiplied);

@@ -47,6 +47,7 @@ KeyFocusItem {
     }
     SubtitleLine {
         anchors.fill: parent
+        radius: area.radius
         subtitle: area.subtitle
         reelTexts: area.reelTexts
         fontPostscriptName: area.fontPostscriptName

@@ -173,8 +173,10 @@ void PlayerView::itemChange(ItemChange change, const ItemChangeData& data) {
 
 QSGNode* PlayerView::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     auto* node = static_cast<PictureNode*>(old);
-    if (auto newest = mailbox_ ? mailbox_->take() : nullptr)
+    if (auto newest = mailbox_ ? mailbox_->take() : nullptr) {
         shown_ = std::move(newest);
+        ++drawnPictures_;
+    }
     const auto& picture = shown_;
     const QSize area = pixels();
     if (!picture || area.isEmpty()) {

@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QQuickItem>
 #include <QSize>
+#include <atomic>
+#include <cstdint>
 #include <memory>
 
 #include "ui/player/PreviewSource.h"
@@ -34,6 +36,9 @@ class PlayerView : public QQuickItem {
     void setRadius(qreal radius);
     /// Whether the player that there is now has shown anything yet. Until then the item is empty.
     bool hasPicture() const { return hasPicture_; }
+    /// How many pictures went into the scene since the item was made: one that is overtaken by the next
+    /// before the window draws is not among them.
+    std::int64_t drawnPictures() const { return drawnPictures_; }
 
   Q_SIGNALS:
     void sourceChanged();
@@ -58,6 +63,7 @@ class PlayerView : public QQuickItem {
     QSize askedSize_;  ///< of the player that there is now
     qreal radius_ = 0;
     bool hasPicture_ = false;
+    std::atomic<std::int64_t> drawnPictures_ = 0;  ///< counted on the thread that draws
     std::shared_ptr<const DisplayPicture> shown_;
 };
 

@@ -1,6 +1,6 @@
 // The line that is being said, as it comes in: a new one springs from a little smaller to its size, if the style wants
 // that, and the one before is gone at once. Fills the picture that it lies over, beyond which nothing of it is seen.
-// Properties: subtitle ("" for none), reelTexts, and the style's.
+// Properties: subtitle ("" for none), reelTexts, radius (of the picture's corners), and the style's.
 import QtQuick
 import Korvane.Controls
 import Korvane.Player
@@ -16,6 +16,7 @@ Item {
     required property bool hasShadow
     required property real verticalPosition
     required property bool hasPopAnimation
+    property real radius: 0
 
     clip: true
     Accessible.role: Accessible.StaticText
@@ -33,6 +34,8 @@ Item {
         textColor: spoken.textColor
         hasShadow: spoken.hasShadow
         verticalPosition: spoken.verticalPosition
+        radius: spoken.radius
+        shownScale: entry.value
         smooth: entry.moving
         transform: Scale {
             origin.x: line.center.x

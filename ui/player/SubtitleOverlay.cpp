@@ -109,6 +109,22 @@ void SubtitleOverlay::setVerticalPosition(qreal fraction) {
     change(&SubtitleSettings::verticalPosition, fraction);
 }
 
+void SubtitleOverlay::setRadius(qreal radius) {
+    if (radius == radius_)
+        return;
+    radius_ = radius;
+    update();
+    Q_EMIT radiusChanged();
+}
+
+void SubtitleOverlay::setShownScale(qreal scale) {
+    if (scale == shownScale_)
+        return;
+    shownScale_ = scale;
+    update();
+    Q_EMIT shownScaleChanged();
+}
+
 QPointF SubtitleOverlay::center() const {
     return subtitleCenter(size(), settings_);
 }
@@ -156,11 +172,8 @@ void SubtitleOverlay::geometryChange(const QRectF& now, const QRectF& before) {
 
 void SubtitleOverlay::itemChange(ItemChange change, const ItemChangeData& data) {
     QQuickItem::itemChange(change, data);
-    if (change == ItemVisibleHasChanged) {
-        painter_.reset();  // the fonts may be others when it comes back
-        redraw();
-    }
-    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+    if (change == ItemVisibleHasChanged || change == ItemDevicePixelRatioHasChanged ||
+        change == ItemSceneChange)
         redraw();
 }
 
@@ -173,13 +186,16 @@ QSGNode* SubtitleOverlay::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     const bool fresh = !node;
     if (fresh)
         node = new LineNode(*window());
-    if (fresh || redrawn_)
+    const qreal ratio = window()->effectiveDevicePixelRatio();
+    const QImage image =
+        withinRoundFrame(picture_, (size() * ratio).toSize(), radius_ * ratio, shownScale_, center() * ratio);
+    if (fresh || redrawn_ || image.cacheKey() != shownImage_.cacheKey())
         node->show(std::unique_ptr<QSGTexture>(
-            window()->createTextureFromImage(picture_.image, QQuickWindow::TextureHasAlphaChannel)));
+            window()->createTextureFromImage(image, QQuickWindow::TextureHasAlphaChannel)));
+    shownImage_ = image;
     redrawn_ = false;
 
     // Where the item stands while nothing scales it.
-    const qreal ratio = window()->effectiveDevicePixelRatio();
     const QPointF onScreen = (parentItem() ? parentItem()->mapToScene(position()) : position()) * ratio;
     const QPointF shift(std::round(onScreen.x()) - onScreen.x() + kOffTheEdge,
                         std::round(onScreen.y()) - onScreen.y() + kOffTheEdge);

@@ -25,6 +25,10 @@ class SubtitleOverlay : public QQuickItem {
     Q_PROPERTY(QColor textColor READ textColor WRITE setTextColor NOTIFY styleChanged)
     Q_PROPERTY(bool hasShadow READ hasShadow WRITE setHasShadow NOTIFY styleChanged)
     Q_PROPERTY(qreal verticalPosition READ verticalPosition WRITE setVerticalPosition NOTIFY styleChanged)
+    /// Of the picture's corners, in points; nothing of the line is seen beyond them.
+    Q_PROPERTY(qreal radius READ radius WRITE setRadius NOTIFY radiusChanged)
+    /// What the item is scaled by, from `center`.
+    Q_PROPERTY(qreal shownScale READ shownScale WRITE setShownScale NOTIFY shownScaleChanged)
     /// The middle of the line, in points: what it grows from.
     Q_PROPERTY(QPointF center READ center NOTIFY centerChanged)
     /// What stands on each line since the last drawing.
@@ -49,6 +53,10 @@ class SubtitleOverlay : public QQuickItem {
     void setHasShadow(bool on);
     qreal verticalPosition() const { return settings_.verticalPosition; }
     void setVerticalPosition(qreal fraction);
+    qreal radius() const { return radius_; }
+    void setRadius(qreal radius);
+    qreal shownScale() const { return shownScale_; }
+    void setShownScale(qreal scale);
     QPointF center() const;
     const QStringList& lines() const { return picture_.lines; }
 
@@ -56,6 +64,8 @@ class SubtitleOverlay : public QQuickItem {
     void textChanged();
     void reelTextsChanged();
     void styleChanged();
+    void radiusChanged();
+    void shownScaleChanged();
     void centerChanged();
     void linesChanged();
 
@@ -74,9 +84,12 @@ class SubtitleOverlay : public QQuickItem {
     QString text_;
     QStringList reelTexts_;
     SubtitleSettings settings_;
-    std::unique_ptr<SubtitlePainter> painter_;  ///< while the item is visible: the fonts of now
+    std::unique_ptr<SubtitlePainter> painter_;  ///< since the item was first seen
     SubtitlePicture picture_;
+    qreal radius_ = 0;
+    qreal shownScale_ = 1;
     bool redrawn_ = false;  ///< the node has another picture than `picture_`
+    QImage shownImage_;     ///< what the node has
 };
 
 }  // namespace korvane

@@ -1,9 +1,13 @@
 #include "ui/player/SubtitlePicture.h"
 
+#include <QPainter>
+#include <algorithm>
 #include <cmath>
 
+#include "platform/fonts/InstalledFontManager.h"
 #include "platform/layers/OverlayDrawing.h"
 #include "platform/layers/TextShape.h"
+#include "ui/controls/ContinuousCorner.h"
 
 namespace korvane {
 namespace {
@@ -66,8 +70,39 @@ QPointF subtitleCenter(const QSizeF& frame, const SubtitleSettings& settings) {
     return {frame.width() / 2.0, margin + settings.verticalPosition * usable + band / 2.0};
 }
 
-SubtitlePainter::SubtitlePainter() {
-    fonts_.emplace();
+QImage withinRoundFrame(const SubtitlePicture& picture, const QSize& frame, double radius, double scale,
+                        const QPointF& center) {
+    if (picture.image.isNull() || radius <= 0.0 || scale <= 0.0)
+        return picture.image;
+    QTransform toFrame;
+    toFrame.translate(center.x(), center.y());
+    toFrame.scale(scale, scale);
+    toFrame.translate(picture.topLeft.x() - center.x(), picture.topLeft.y() - center.y());
+    const QRectF shown = toFrame.mapRect(QRectF(picture.image.rect()));
+    const QRectF whole{QPointF(), QSizeF(frame)};
+    const double extent =
+        std::min(continuousCornerExtent(radius), std::min(whole.width(), whole.height()) / 2);
+    const QSizeF corner(extent, extent);
+    const QPointF far(whole.width() - extent, whole.height() - extent);
+    const QRectF corners[] = {
+        {{0.0, 0.0}, corner}, {{far.x(), 0.0}, corner}, {{0.0, far.y()}, corner}, {far, corner}};
+    if (std::ranges::none_of(corners, [&](const QRectF& c) { return c.intersects(shown); }))
+        return picture.image;
+
+    // Odd and even: the corners, and a little more, for pixels that lie across the frame's edge.
+    QPainterPath beyond;
+    beyond.addRect(whole.adjusted(-2, -2, 2, 2));
+    beyond.addPath(continuousRectangle(whole, radius));
+    QImage cut = picture.image.copy();
+    QPainter painter(&cut);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+    painter.setTransform(toFrame.inverted());
+    painter.fillPath(beyond, Qt::black);
+    return cut;
+}
+
+SubtitlePainter::SubtitlePainter() : fonts_(InstalledFontManager::ofThisProcess().lookup()) {
     setEastAsianLanguage("zh-cn");
 }
 
@@ -82,10 +117,10 @@ void SubtitlePainter::setEastAsianLanguage(const std::string& language) {
 
 SubtitlePicture SubtitlePainter::draw(const QString& text, const SubtitleSettings& settings,
                                       const QSize& frame, qreal ratio) const {
-    if (text.isEmpty() || frame.isEmpty() || fonts_->faces().empty())
+    if (text.isEmpty() || frame.isEmpty() || fonts_.faces().empty())
         return {};
     const Size box{kReelWidth * kBoxWidthFraction, settings.fontSize * kBoxHeightInFontSizes};
-    const TextShape shape(contentOf(text, settings), box, *fonts_, eastAsianFamily_);
+    const TextShape shape(contentOf(text, settings), box, fonts_, eastAsianFamily_);
     const double scale = frame.height() / kReelHeight;
     const int beyondX = static_cast<int>(std::ceil(frame.width() * kBeyondFrame));
     const int beyondY = static_cast<int>(std::ceil(frame.height() * kBeyondFrame));

@@ -25,7 +25,15 @@ struct SubtitlePicture {
     QStringList lines;  ///< what stands on each line
 };
 
-/// What subtitles are written with: the installed fonts, read once. Main thread.
+/// The picture as it may lie over a frame with continuous corners: transparent beyond them. Shares its pixels
+/// with `picture` where no corner is reached.
+/// \param radius  of the frame's corners, in its pixels.
+/// \param scale   that the picture is shown at, from `center`, in pixels of the frame.
+QImage withinRoundFrame(const SubtitlePicture& picture, const QSize& frame, double radius, double scale,
+                        const QPointF& center);
+
+/// What subtitles are written with, the installed fonts. The first one of the process may have to read them.
+/// Main thread.
 class SubtitlePainter {
   public:
     SubtitlePainter();
@@ -43,7 +51,7 @@ class SubtitlePainter {
                          qreal ratio) const;
 
   private:
-    std::optional<FontLookup> fonts_;
+    const FontLookup& fonts_;
     std::string language_;
     std::optional<std::string> eastAsianFamily_;
 };

@@ -19,6 +19,12 @@ namespace {
 /// Half a second at the usual rate: short enough to stop soon, long enough to read in one go.
 constexpr std::size_t blockSamples = 8192;
 
+/// A frame of 10 ms is judged by a window of 25.6 ms that begins with it, so what changes between two frames
+/// changes between the middles of their windows, 7.8 ms after the second one's begin.
+std::int64_t frameShift(int rateHz) {
+    return std::llround(0.0078 * rateHz);
+}
+
 std::vector<std::int16_t> toSixteenBits(const std::vector<float>& samples) {
     std::vector<std::int16_t> integers(samples.size());
     std::transform(samples.begin(), samples.end(), integers.begin(), [](float sample) {
@@ -65,11 +71,11 @@ class Transcription {
         // The decoder takes the microphone's colour from what it has heard before, which at first is nothing.
         if (std::exchange(isFirst_, false))
             decoder_->recognize(samples, stop_);
+        const auto edge = [&](int frames) { return stretch.begin + frames * frame + frameShift(rateHz_); };
         std::vector<TimedWord> words;
         for (const auto& heard : decoder_->recognize(samples, stop_)) {
             if (auto word = spokenWord(heard.entry))
-                words.push_back({std::move(*word), stretch.begin + heard.firstFrame * frame,
-                                 stretch.begin + (heard.lastFrame + 1) * frame});
+                words.push_back({std::move(*word), edge(heard.firstFrame), edge(heard.lastFrame + 1)});
         }
         for (auto& word : refineWordTimes(std::move(words), stretch, rateHz_, lastEnd_)) {
             lastEnd_ = word.end;
@@ -122,12 +128,6 @@ std::string packagedModel(const PocketSphinxModel& model) {
 }
 
 }  // namespace
-
-OpenRecording openMediaRecording() {
-    return [](const std::filesystem::path& path, int rateHz, std::stop_token stop) {
-        return AudioDecoder::open(path, -1, AudioFormat{rateHz, 1}, std::move(stop));
-    };
-}
 
 PocketSphinxEngine::PocketSphinxEngine(PocketSphinxModels models, OpenRecording open)
     : models_(std::move(models)), open_(std::move(open)) {}

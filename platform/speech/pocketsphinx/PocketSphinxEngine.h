@@ -1,24 +1,14 @@
 // The embedded default engine: recognises with the PocketSphinx library and whatever models are installed.
 #pragma once
 
-#include <filesystem>
-#include <functional>
 #include <memory>
-#include <stop_token>
 
-#include "platform/ffmpeg/AudioDecoder.h"
+#include "platform/speech/OpenRecording.h"
 #include "platform/speech/RecognitionWorkers.h"
 #include "platform/speech/SpeechRecognizerRegistry.h"
 #include "platform/speech/pocketsphinx/PocketSphinxModel.h"
 
 namespace korvane {
-
-/// Opens a recording as mono at a rate. \throws MediaError when it can't be read.
-using OpenRecording = std::function<std::unique_ptr<AudioDecoder>(const std::filesystem::path& path,
-                                                                  int rateHz, std::stop_token stop)>;
-
-/// Opens the first audio stream of any file that the media libraries read.
-OpenRecording openMediaRecording();
 
 class PocketSphinxEngine final : public SpeechEngine {
   public:

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/folders/StandardFolders.h"
 #include "platform/locale/Locale.h"
-#include "platform/speech/StandardFolders.h"
 
 namespace korvane {
 

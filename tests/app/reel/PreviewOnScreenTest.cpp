@@ -44,6 +44,12 @@ TEST_F(PreviewOnScreen, theLineThatIsSaidStandsOverThePictureInTheCurrentStyle) 
     EXPECT_EQ(line->textColor(), QColor(Qt::yellow));
     EXPECT_EQ(line->verticalPosition(), 0.25);
     EXPECT_FALSE(line->hasShadow());
+    SubtitleSettings other = view_->subtitleSettings();
+    other.fontPostscriptName = "LiberationMono";
+    other.hasPopAnimation = !other.hasPopAnimation;
+    view_->setSubtitleSettings(other);
+    EXPECT_EQ(line->fontPostscriptName(), QStringLiteral("LiberationMono"));
+    EXPECT_EQ(line->parentItem()->property("hasPopAnimation").toBool(), other.hasPopAnimation);
 }
 
 TEST_F(PreviewOnScreen, spacePausesAndPlaysAfterPreviewWasPressedByMouse) {

@@ -89,6 +89,40 @@ TEST(HeardClock, aDeviceThatStoodStillIsFollowedFromWhereItGoesOn) {
     EXPECT_NEAR(milliseconds(frames), 4'000.0, 10.0);
 }
 
+TEST(HeardClock, aDeviceThatRanDryIsFollowedFromItsFirstReportOn) {
+    // Dry from 2 s to 2.5 s; half a second of sound comes then, and is heard 40 ms later.
+    for (const bool isTold : {false, true}) {
+        HeardClock clock(kRate);
+        double frames = 0.0;
+        for (ClockTime now = 1s; now < 4s; now += 5ms) {
+            const ClockTime played = now < 2540ms ? std::min<ClockTime>(now - 1s, 1s) : now - 1540ms;
+            const std::int64_t written = framesAfter(now < 2500ms ? 1s : 3s);
+            // One that tells makes a report every 50 ms, which may miss that it was dry.
+            const ClockTime reported = isTold ? played / 50ms * 50ms : played;
+            const HeardFrames heard{framesAfter(reported), now - (played - reported),
+                                    isTold && now > 2500ms ? 1 : 0};
+            frames = clock.framesAt(now, heard, written);
+            if (now > 1100ms) {
+                ASSERT_NEAR(milliseconds(frames), milliseconds(played), now < 2600ms ? 50.1 : 5.1)
+                    << milliseconds(now) << (isTold ? " told" : " seen");
+            }
+        }
+    }
+}
+
+TEST(HeardClock, aDeviceThatTellsMoreThanCanHaveBeenHeardIsNotBelieved) {
+    HeardClock clock(kRate);
+    clock.framesAt(1s, {}, 0);
+    for (ClockTime now = 1005ms; now < 5s; now += 5ms) {
+        const ClockTime block = (now - 1s) / 20ms * 20ms + 40ms;  // taken, in blocks, not heard
+        const double frames = clock.framesAt(now, {framesAfter(block), now}, kEndless);
+        if (now > 2s) {
+            ASSERT_NEAR(milliseconds(frames), milliseconds(now - 1s), 12.0);
+        }
+        EXPECT_LE(milliseconds(frames), milliseconds(now - 1s) + 0.1);
+    }
+}
+
 TEST(HeardClock, itTellsForHowLongADeviceWithWorkHasBeenSilent) {
     HeardClock clock(kRate);
     clock.framesAt(1s, {100, 1s}, 100);

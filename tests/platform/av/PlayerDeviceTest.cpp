@@ -132,6 +132,30 @@ TEST_F(PlayerDeviceTest, aDeviceThatComesWhilePausedIsUsedAtTheNextPlay) {
     EXPECT_GE(findSound(samples(paused) + 48), 0);
 }
 
+TEST_F(PlayerDeviceTest, aDeviceThatRanDryWhileThePlayerSleptIsCounted) {
+    open();
+    player->setLoopHint(loopPoint);
+    loop();
+    start();
+    run(500ms);
+    EXPECT_EQ(player->statistics().soundUnderruns, 0);
+    for (const int times : {1, 2, 3}) {
+        run(400ms, 400ms);  // all at once
+        run(300ms);
+        EXPECT_EQ(outputs.tape->gaps, times);
+        EXPECT_EQ(player->statistics().soundUnderruns, times);
+    }
+}
+
+TEST_F(PlayerDeviceTest, theEndOfTheItemIsNoUnderrun) {
+    open();
+    player->setActionAtItemEnd(ActionAtItemEnd::pause);
+    start();
+    run(6s);
+    EXPECT_EQ(player->rate(), 0.0);
+    EXPECT_EQ(player->statistics().soundUnderruns, 0);
+}
+
 TEST_F(PlayerDeviceTest, aSourceThatIsMissingFailsTheItemAndAnswersEverybody) {
     const fixtures::ScratchFolder folder;
     std::filesystem::copy(playedClip(), folder / "gone.mov");

@@ -96,12 +96,13 @@ class ScriptedOutput final : public AudioOutput {
         ++tape_->flushes;
         waiting_.clear();
         written_ = heard_ = 0;
+        underruns_ = 0;
         startsAt_.reset();
     }
     HeardFrames heard() override {
         play();
         const std::int64_t step = std::max<std::int64_t>(1, samplesAt(script_->reportStep));
-        return {heard_ / step * step, clock_.now()};
+        return {heard_ / step * step, clock_.now(), underruns_};
     }
     bool isDead() override { return script_->dead; }
 
@@ -117,8 +118,10 @@ class ScriptedOutput final : public AudioOutput {
             const bool plays = startsAt_ && *playedTo_ >= samplesAt(*startsAt_) && !script_->dead &&
                                !script_->silent && !waiting_.empty();
             const bool dry = startsAt_ && heard_ > 0 && waiting_.empty();
-            if (dry && !dry_)
+            if (dry && !dry_) {
                 ++tape_->gaps;
+                ++underruns_;
+            }
             dry_ = dry;
             tapeSample(plays);
         }
@@ -145,6 +148,7 @@ class ScriptedOutput final : public AudioOutput {
     std::int64_t heard_ = 0;
     std::optional<ClockTime> startsAt_;
     std::optional<std::int64_t> playedTo_;
+    int underruns_ = 0;
     bool dry_ = false;
 };
 

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <memory>
 
+#include "platform/defaults/DeferredUserDefaults.h"
 #include "platform/defaults/FileUserDefaults.h"
 #include "platform/defaults/MemoryUserDefaults.h"
 
@@ -74,6 +75,12 @@ struct FileKind : StoreKind {
     }
 };
 
+/// Asked while what was given may still be on its way.
+struct DeferredKind : FileKind {
+    std::unique_ptr<UserDefaults> disk = FileKind::make();
+    std::unique_ptr<UserDefaults> make() override { return std::make_unique<DeferredUserDefaults>(*disk); }
+};
+
 template <typename Kind>
 class UserDefaultsContract : public ::testing::Test {
   protected:
@@ -81,7 +88,7 @@ class UserDefaultsContract : public ::testing::Test {
     std::unique_ptr<UserDefaults> store = kind.make();
 };
 
-using Kinds = ::testing::Types<MemoryKind, FileKind>;
+using Kinds = ::testing::Types<MemoryKind, FileKind, DeferredKind>;
 TYPED_TEST_SUITE(UserDefaultsContract, Kinds);
 
 TYPED_TEST(UserDefaultsContract, aFreshStoreHasNothing) {

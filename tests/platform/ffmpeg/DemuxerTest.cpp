@@ -112,5 +112,40 @@ TEST(MediaProbe, aLookForSoundFindsTheSameSoundAndLength) {
     }
 }
 
+fixtures::ClipSpec clipOf(int widthPx) {
+    fixtures::ClipSpec clip;
+    clip.video = {fixtures::VideoSpec::constantRate({30, 1}, 2.0)};
+    clip.video[0].widthPx = widthPx;
+    clip.video[0].bFrames = 3;
+    return clip;
+}
+
+TEST(Demuxer, aKnownFileIsOpenedWithoutLookingIntoItsPictures) {
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "clip.mov";
+    fixtures::writeClip(clipOf(90), path);
+    const auto looked = Demuxer::open(path, {});
+    const auto known = looked->learnt();
+    ASSERT_NE(known, nullptr);
+    const auto told = Demuxer::open(path, {}, Demuxer::Interest::everything, known);
+    const auto untouched = Demuxer::open(path, {}, Demuxer::Interest::everything, told->learnt());
+    // Only who looks has packets lying ready, and so has read on.
+    EXPECT_NE(avio_tell(told->format()->pb), avio_tell(looked->format()->pb));
+    EXPECT_EQ(avio_tell(told->format()->pb), avio_tell(untouched->format()->pb));
+    EXPECT_GT(looked->stream(0)->codecpar->video_delay, 0);
+    EXPECT_EQ(told->stream(0)->codecpar->video_delay, looked->stream(0)->codecpar->video_delay);
+    EXPECT_EQ(told->stream(0)->codecpar->format, looked->stream(0)->codecpar->format);
+    EXPECT_EQ(told->stream(0)->start_time, looked->stream(0)->start_time);
+}
+
+TEST(Demuxer, aFileThatWasReplacedIsLookedAtAnew) {
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "clip.mov";
+    fixtures::writeClip(clipOf(90), path);
+    const auto known = Demuxer::open(path, {})->learnt();
+    fixtures::writeClip(clipOf(180), path);
+    EXPECT_EQ(Demuxer::open(path, {}, Demuxer::Interest::everything, known)->stream(0)->codecpar->width, 180);
+}
+
 }  // namespace
 }  // namespace korvane

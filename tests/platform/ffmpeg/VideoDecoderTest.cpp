@@ -6,6 +6,7 @@
 #include <random>
 
 #include "platform/ffmpeg/MediaError.h"
+#include "platform/ffmpeg/MediaProbe.h"
 #include "platform/tasks/Cancellation.h"
 #include "tests/fixtures/ClipCache.h"
 #include "tests/fixtures/ClipWriter.h"
@@ -122,6 +123,17 @@ TEST_P(VideoDecoding, thePictureAtATimeDoesNotDependOnWhatWasAskedBefore) {
         const MediaTime time = MediaTime::fromSeconds(std::floor(t * 600) / 600) + MediaTime(1, 1700);
         EXPECT_EQ(decoder->pictureAt(time).ticks, ticks[static_cast<std::size_t>(expected(time))])
             << time.toString();
+    }
+}
+
+TEST_P(VideoDecoding, whatIsKnownOfAFileChangesNothingInItsPictures) {
+    const auto known = probeMedia(path()).streams.at(0).known;
+    const auto ticks = ticksInOrder(*VideoDecoder::open(path(), 0, 2, {}), video());
+    EXPECT_EQ(ticksInOrder(*VideoDecoder::open(path(), 0, 2, {}, known), video()), ticks);
+    for (std::size_t i = ticks.size(); i-- > 0; i -= std::min<std::size_t>(i, 30)) {
+        const MediaTime time(video().presentationTimes[i] * video().timeBase.num, video().timeBase.den);
+        EXPECT_EQ(VideoDecoder::open(path(), 0, 2, {}, known)->pictureAt(time + MediaTime(1, 2000)).ticks,
+                  ticks[i]);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <csignal>
 
 namespace korvane {
 
@@ -52,10 +53,25 @@ void PrivateSoundServer::kill() {
     server_.waitForFinished();
 }
 
-void PrivateSoundServer::record(QProcess& recorder, const QString& file) const {
+void PrivateSoundServer::halt() {
+    ::kill(static_cast<pid_t>(server_.processId()), SIGSTOP);
+}
+
+void PrivateSoundServer::resume() {
+    ::kill(static_cast<pid_t>(server_.processId()), SIGCONT);
+}
+
+QString PrivateSoundServer::ask(const QStringList& words) const {
+    QProcess asks;
+    asks.start(QStringLiteral("pactl"), words);
+    asks.waitForFinished();
+    return QString::fromUtf8(asks.readAllStandardOutput()).trimmed();
+}
+
+void PrivateSoundServer::record(QProcess& recorder, const QString& file, const QString& device) const {
     recorder.setStandardOutputFile(file);
     recorder.start(QStringLiteral("parec"),
-                   {QStringLiteral("--device=nul.monitor"), QStringLiteral("--format=s16le"),
+                   {QStringLiteral("--device=%1.monitor").arg(device), QStringLiteral("--format=s16le"),
                     QStringLiteral("--rate=48000"), QStringLiteral("--channels=1"), QStringLiteral("--raw"),
                     QStringLiteral("--latency-msec=10")});
     recorder.waitForStarted();

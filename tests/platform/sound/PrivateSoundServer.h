@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QProcess>
+#include <QStringList>
 #include <QTemporaryDir>
 
 namespace korvane {
@@ -19,8 +20,15 @@ class PrivateSoundServer {
     /// Ends it as a crash would.
     void kill();
 
-    /// What the device plays, from now on, as 16-bit mono at 48 kHz, into `file`.
-    void record(QProcess& recorder, const QString& file) const;
+    /// Lets it stand still, as a server that hangs, and go on.
+    void halt();
+    void resume();
+    /// Has `pactl` ask it for something; for a server that answers. \return what it answered.
+    QString ask(const QStringList& words) const;
+    QString folder() const { return folder_.path(); }
+
+    /// What a device plays, from now on, as 16-bit mono at 48 kHz, into `file`.
+    void record(QProcess& recorder, const QString& file, const QString& device = QStringLiteral("nul")) const;
 
   private:
     QTemporaryDir folder_;

@@ -10,7 +10,14 @@
 #include <thread>
 
 #include "platform/ffmpeg/MediaError.h"
+#if KORVANE_HAS_POCKETSPHINX
 #include "platform/speech/pocketsphinx/PocketSphinxEngine.h"
+#endif
+#if KORVANE_HAS_WHISPER
+#include "platform/speech/whisper/WhisperEngine.h"
+#include "platform/speech/whisper/WhisperProgram.h"
+#include "tests/fixtures/whisper-model/ScriptedModel.h"
+#endif
 #include "tests/platform/speech/ScriptedRecognizer.h"
 #include "tests/platform/speech/SpokenFixture.h"
 
@@ -20,10 +27,29 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr auto soon = std::chrono::milliseconds(300);
 
+#if KORVANE_HAS_POCKETSPHINX
 std::unique_ptr<SpeechEngine> makePocketSphinx() {
     return std::make_unique<PocketSphinxEngine>(
         PocketSphinxModels(StandardFolders::of(processEnvironment()), KORVANE_POCKETSPHINX_MODELS));
 }
+
+#endif
+
+#if KORVANE_HAS_WHISPER
+/// The real worker, with a model that says the same four words of whatever it hears.
+std::unique_ptr<SpeechEngine> makeWhisper() {
+    static const TemporaryFolder folder;
+    InstalledSpeechModel model;
+    model.name = "Whisper scripted";
+    model.file = folder.path() / "ggml-scripted.bin";
+    if (!std::filesystem::exists(model.file))
+        fixtures::ScriptedModel{{{" We", 20}, {" have", 40}, {" to", 55}, {" go", 90}, {".", 100}}}.write(
+            model.file);
+    WhisperSettings settings;
+    settings.command = whisperCommand(KORVANE_PROGRAMS);
+    return std::make_unique<WhisperEngine>([model] { return std::optional(model); }, settings);
+}
+#endif
 
 /// "Recognises" by the file's name, slowly where there is speech.
 std::unique_ptr<SpeechEngine> makeScripted() {
@@ -236,9 +262,15 @@ TEST_P(RecognizerContract, aTaskOutlivesTheRecogniserThatStartedIt) {
     EXPECT_TRUE(answer.result);
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, RecognizerContract,
-                         testing::Values(Implementation{"PocketSphinx", makePocketSphinx, 1500},
-                                         Implementation{"Scripted", makeScripted, 100}),
+const Implementation implementations[] = {
+#if KORVANE_HAS_POCKETSPHINX
+    {"PocketSphinx", makePocketSphinx, 1500},
+#endif
+#if KORVANE_HAS_WHISPER
+    {"Whisper", makeWhisper, 600},
+#endif
+    {"Scripted", makeScripted, 100}};
+INSTANTIATE_TEST_SUITE_P(Every, RecognizerContract, testing::ValuesIn(implementations),
                          [](const auto& made) { return std::string(made.param.name); });
 
 }  // namespace

@@ -208,5 +208,46 @@ TEST_F(ErrorCard, aRingAroundItsWordsShowsThatTheKeysAreHereUnlessAPointerBrough
     EXPECT_FALSE(ring.isVisible());
 }
 
+TEST_F(ErrorCard, aWayOutStandsBesideTheWordsAndStaysWhileTheCardCloses) {
+    QQuickItem& way = shown_.named("installModel");
+    QSignalSpy requested(shown_.card.get(), SIGNAL(modelRequested(bool)));
+    show(QStringLiteral("It did not work."));
+    EXPECT_FALSE(way.isVisible());
+    shown_.set("modelWouldHelp", true);
+    ASSERT_TRUE(shown_.wait([&] { return isOpen(); }));
+    EXPECT_TRUE(way.isVisible());
+    EXPECT_LT(shown_.place(area_).right(), shown_.place(way).left());
+    EXPECT_NEAR(shown_.place(area_).center().y(), shown_.place(way).center().y(), 1);
+    EXPECT_TRUE(shown_.place(glass_).contains(shown_.place(way)));
+    shown_.click(way);
+    ASSERT_EQ(requested.size(), 1);
+    EXPECT_FALSE(requested.back().front().toBool());
+    shown_.focus(text_);
+    shown_.key(Qt::Key_Tab);
+    ASSERT_TRUE(way.hasActiveFocus());
+    shown_.key(Qt::Key_Space);
+    EXPECT_TRUE(requested.back().front().toBool()) << "by the keyboard";
+
+    const double open = glass_.height();
+    shown_.set("shown", false);
+    shown_.set("modelWouldHelp", false);
+    EXPECT_EQ(glass_.height(), open);
+    EXPECT_TRUE(way.isVisible());
+    EXPECT_FALSE(way.isEnabled());
+}
+
+TEST_F(ErrorCard, anErrorThatAModelDoesNotHelpWithComesWithoutTheWayOutOfTheOneBefore) {
+    QQuickItem& way = shown_.named("installModel");
+    show(QStringLiteral("No recogniser."));
+    shown_.set("modelWouldHelp", true);
+    ASSERT_TRUE(shown_.wait([&] { return isOpen() && way.isVisible(); }));
+    shown_.set("message", QString());
+    shown_.set("shown", false);
+    shown_.set("modelWouldHelp", false);
+    ASSERT_TRUE(way.isVisible()) << "while the card closes";
+    show(QStringLiteral("There is no folder."));
+    EXPECT_FALSE(way.isVisible());
+}
+
 }  // namespace
 }  // namespace korvane

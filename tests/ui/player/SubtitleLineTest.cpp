@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "tests/ui/controls/Stage.h"
+#include "ui/controls/ContinuousCorner.h"
 #include "ui/player/SubtitleOverlay.h"
 
 namespace korvane {
@@ -65,6 +66,27 @@ TEST_F(SubtitleLineTest, anEmptyLineShowsNothingAtOnce) {
     set("hasPopAnimation", true);
     say("");
     EXPECT_TRUE(ink().isEmpty());
+}
+
+TEST_F(SubtitleLineTest, nothingOfALargeLineIsSeenBeyondThePicturesRoundCorners) {
+    set("fontSize", 200);
+    set("verticalPosition", 0.0);
+    say("WWWWWWWWWWWWWWWW");  // lines from the top to the middle, and corners that reach as far as they do
+    const QImage square = stage.picture();
+    set("radius", 130);
+    const QImage round = stage.picture();
+    const QRectF frame{QPointF(), QSizeF(round.size())};
+    const QPainterPath around = continuousRectangle(frame.adjusted(-1, -1, 1, 1), 130 * ratio());
+    int hidden = 0;
+    for (int y = 0; y < round.height(); ++y) {
+        for (int x = 0; x < round.width(); ++x) {
+            if (around.contains(QPointF(x + 0.5, y + 0.5)))
+                continue;
+            hidden += square.pixelColor(x, y).lightness() > 40 ? 1 : 0;
+            ASSERT_LT(round.pixelColor(x, y).lightness(), 40) << x << ' ' << y;
+        }
+    }
+    EXPECT_GT(hidden, 20) << "the line never was in a corner";
 }
 
 TEST_F(SubtitleLineTest, everyFieldOfTheStyleShowsWithTheNextPicture) {

@@ -11,6 +11,7 @@
 #include "platform/layers/LayerRenderer.h"
 #include "platform/layers/TextShape.h"
 #include "platform/tasks/QtMainQueue.h"
+#include "ui/controls/ContinuousCorner.h"
 
 namespace korvane {
 namespace {
@@ -227,6 +228,44 @@ TEST(SubtitlePicture, nothingToSayOrToDrawOnGivesNothing) {
     EXPECT_TRUE(painter.draw(QStringLiteral("  "), style("Inter-Bold", 72), kReel, 1.0).image.isNull());
     EXPECT_TRUE(painter.draw(QStringLiteral("x"), style("Inter-Bold", 72), QSize(), 1.0).image.isNull());
     EXPECT_TRUE(painter.draw(QStringLiteral("x"), style("Inter-Bold", 0), kReel, 1.0).image.isNull());
+}
+
+TEST(SubtitlePicture, cornersStayWhereTheyAreWhileALineGrows) {
+    const QSize frame(160, 240);
+    const QPointF center(80, 100);
+    SubtitlePicture picture;
+    picture.image = QImage(220, 330, QImage::Format_ARGB32_Premultiplied);
+    picture.image.fill(Qt::white);
+    picture.topLeft = QPoint(-30, -45);
+    const QRectF whole{QPointF(), QSizeF(frame)};
+    const QPainterPath outside = continuousRectangle(whole.adjusted(-1, -1, 1, 1), 40);
+    const QPainterPath inside = continuousRectangle(whole.adjusted(1, 1, -1, -1), 40);
+    for (const double scale : {0.78, 1.0, 1.1}) {
+        const QImage cut = withinRoundFrame(picture, frame, 40, scale, center);
+        int hidden = 0;
+        for (int y = 0; y < cut.height(); ++y) {
+            for (int x = 0; x < cut.width(); ++x) {
+                const QPointF at =
+                    center + scale * (QPointF(x + 0.5, y + 0.5) + QPointF(picture.topLeft) - center);
+                if (inside.contains(at)) {
+                    ASSERT_EQ(qAlpha(cut.pixel(x, y)), 255) << at.x() << ' ' << at.y();
+                }
+                if (!whole.contains(at) || outside.contains(at))
+                    continue;
+                ++hidden;
+                ASSERT_EQ(qAlpha(cut.pixel(x, y)), 0) << at.x() << ' ' << at.y();
+            }
+        }
+        EXPECT_GT(hidden, 100);
+    }
+}
+
+TEST(SubtitlePicture, aLineFarFromTheCornersIsNotCopied) {
+    SubtitlePicture picture;
+    picture.image = QImage(100, 30, QImage::Format_ARGB32_Premultiplied);
+    picture.topLeft = QPoint(30, 100);
+    const QImage same = withinRoundFrame(picture, QSize(160, 240), 10, 1.0, QPointF(80, 115));
+    EXPECT_EQ(same.cacheKey(), picture.image.cacheKey());
 }
 
 }  // namespace

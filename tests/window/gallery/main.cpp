@@ -52,10 +52,12 @@ class Stage {
             std::ofstream(folder_.path() / "sound.m4a") << "sound";
             return ExtractedAudio{folder_.path() / "sound.m4a", 60.0};
         };
-        script_->recognise = [this](const auto&, double, const auto&, const OnProgress& onProgress,
+        script_->recognise = [this](const auto&, double, const Locale& locale, const OnProgress& onProgress,
                                     const std::stop_token& stop) {
             onProgress(recognised);
             recognition.pass(stop);
+            if (isRecognizerMissing)
+                throw SpeechError::recognizerUnavailable(locale);
             if (!failure.empty())
                 throw std::runtime_error(failure);
             return wordsOf(text);
@@ -68,7 +70,8 @@ class Stage {
             .speechService =
                 std::make_unique<ScriptedSpeechService>(queue_, authorization_, registry_, script_),
             .videoEditor = std::make_unique<VideoEditor>(queue_, silentLog()),
-            .now = [this] { return now_; }});
+            .now = [this] { return now_; },
+            .speechModels = std::make_unique<ScriptedModels>(models)});
         engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
         QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/qt/qml/Korvane/App/Main.qml")));
         window.reset(qobject_cast<QQuickWindow*>(component.createWithInitialProperties(
@@ -106,9 +109,7 @@ class Stage {
     }
     void pass(int seconds) { now_ += std::chrono::seconds(seconds); }
 
-    QQuickItem* item(const char* name) const {
-        return window->findChild<QQuickItem*>(QString::fromLatin1(name), Qt::FindChildrenRecursively);
-    }
+    QQuickItem* item(const char* name) const { return itemIn(window->contentItem(), QLatin1String(name)); }
     void click(QQuickItem* target) const {
         if (!target)
             return complain(QtWarningMsg, {}, QStringLiteral("What was to be clicked isn't there."));
@@ -118,15 +119,26 @@ class Stage {
 
     std::string text = kSpoken;
     std::string failure;
+    bool isRecognizerMissing = false;
     double extracted = 0.6;
     double recognised = 0.4;
     Gate extraction;
     Gate recognition;
+    std::shared_ptr<ModelsScript> models = std::make_shared<ModelsScript>();
+    Gate download;
     std::unique_ptr<ContentView> view;
     std::unique_ptr<QQuickWindow> window;
     QSize size{1180, 800};
 
   private:
+    static QQuickItem* itemIn(QQuickItem* item, QLatin1String name) {
+        if (item->objectName() == name)
+            return item;
+        for (QQuickItem* child : item->childItems())
+            if (QQuickItem* found = itemIn(child, name))
+                return found;
+        return nullptr;
+    }
     static Words wordsOf(const std::string& spoken) {
         Words words;
         std::istringstream stream(spoken);
@@ -150,6 +162,28 @@ class Stage {
 };
 
 using Scene = std::function<void(Stage&)>;
+
+/// The sheet of speech models, opened as a person does it.
+void openModels(Stage& stage) {
+    stage.window->setMinimumSize({});
+    stage.window->resize(stage.size);
+    stage.window->show();
+    stage.until([&] { return stage.window->isExposed(); });
+    stage.click(stage.item("speechModels"));
+    stage.until([&] { return stage.view->speechModels()->isKnown(); });
+}
+
+/// One model comes, and has come so far.
+void downloadModel(Stage& stage, std::uint64_t bytes) {
+    stage.models->download = [&stage, bytes](const std::string& id, const auto& report, const auto& stop) {
+        stage.models->setPart(id, bytes);
+        report(ModelsScript::report(bytes, 81'768'585));
+        stage.download.pass(stop);
+    };
+    openModels(stage);
+    stage.view->speechModels()->act(QStringLiteral("base"));
+    stage.until([&] { return stage.view->speechModels()->rows()->rows()[1].fraction > 0.1; });
+}
 
 void withWords(Stage& stage) {
     stage.say(kSpoken);
@@ -248,6 +282,60 @@ const std::map<std::string, Scene>& scenes() {
              s.item("flow")->forceActiveFocus(Qt::TabFocusReason);
              for (int i = 0; i < 3; ++i)
                  QTest::keyClick(s.window.get(), Qt::Key_Right);
+         }},
+        {"18-no-recogniser",
+         [](Stage& s) {
+             s.isRecognizerMissing = true;
+             s.load();
+             s.transcribeAll();
+         }},
+        {"19-models", openModels},
+        {"20-models-downloading", [](Stage& s) { downloadModel(s, 31'000'000); }},
+        {"21-models-stopped",
+         [](Stage& s) {
+             downloadModel(s, 51'000'000);
+             s.view->speechModels()->act(QStringLiteral("base"));
+             s.until([&] { return s.view->speechModels()->rows()->rows()[1].stopped; });
+         }},
+        {"22-models-installed",
+         [](Stage& s) {
+             s.models->install("base");
+             s.models->install("small", false);
+             openModels(s);
+         }},
+        {"23-models-error",
+         [](Stage& s) {
+             s.size = {960, 680};
+             s.models->install("tiny");
+             s.models->download = [](const auto&, const auto&, const auto&) {
+                 throw std::runtime_error(
+                     "There is not enough room for “Whisper large-v3-turbo”: 574 MB are needed in "
+                     "/home/somebody/.local/share/korvane/models/whisper, and 212 MB are free.");
+             };
+             openModels(s);
+             s.view->speechModels()->act(QStringLiteral("turbo"));
+             s.until([&] { return !s.view->speechModels()->problem().isEmpty(); });
+         }},
+        {"24-models-removing",
+         [](Stage& s) {
+             s.models->install("base");
+             openModels(s);
+             s.until([&] { return s.item("act base") && s.item("act base")->isVisible(); });
+             QTest::qWait(200);
+             s.click(s.item("act base"));
+         }},
+        {"25-models-keyboard",
+         [](Stage& s) {
+             s.models->install("tiny");
+             s.models->add = [&s](const auto& report, const auto& stop) {
+                 report(0.4);
+                 s.download.pass(stop);
+             };
+             openModels(s);
+             QTest::qWait(200);
+             s.view->speechModels()->addDropped({QUrl::fromLocalFile(QStringLiteral("/ggml-medium.bin"))});
+             s.until([&] { return s.view->speechModels()->addingFraction() > 0.3; });
+             QTest::keyClick(s.window.get(), Qt::Key_Tab);
          }},
     };
     return all;

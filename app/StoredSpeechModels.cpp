@@ -1,0 +1,107 @@
+#include "app/StoredSpeechModels.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/models/Machine.h"
+#include "platform/models/ModelDownload.h"
+#include "platform/models/ModelError.h"
+
+namespace korvane {
+namespace {
+
+const SpeechModel& listedModel(const SpeechModelStore& store, const std::string& id) {
+    const SpeechModel* model = store.catalogue().find(id);
+    if (!model)
+        throw ModelError("The model “" + id + "” is no longer on the list of models.");
+    return *model;
+}
+
+SpeechModelOffer offerOf(const SpeechModel& model, const SpeechModelStore& store) {
+    return {.id = model.id,
+            .name = model.name,
+            .bytes = model.bytes,
+            .memoryBytes = model.memoryBytes,
+            .speed = expectedSpeed(model, Machine::here()),
+            .partBytes = downloadedPart(model, store)};
+}
+
+SpeechModelOffer offerOf(const InstalledSpeechModel& model, const SpeechModelStore& store) {
+    const SpeechModel* listed = store.catalogue().find(model.id);
+    return {.id = model.id,
+            .name = model.name,
+            .bytes = model.bytes,
+            .memoryBytes = model.memoryBytes,
+            .speed = expectedSpeed(model.operationsPerSecond, Machine::here()),
+            .isInstalled = true,
+            .isListed = listed && listed->offered && listed->bytes == model.bytes,
+            .isOwn = model.own};
+}
+
+/// The offered ones where they stand in the list, the others behind them.
+void merge(std::vector<SpeechModelOffer>& models, SpeechModelOffer installed) {
+    const auto same = std::ranges::find(models, installed.id, &SpeechModelOffer::id);
+    if (same == models.end())
+        models.push_back(std::move(installed));
+    else
+        *same = std::move(installed);
+}
+
+std::string noticeOf(const SpeechModelStore& store) {
+    if (!store.catalogue().problem().empty())
+        return store.catalogue().problem();
+    const auto unusable = store.unusable();
+    return unusable.empty() ? std::string() : unusable.front().reason;
+}
+
+}  // namespace
+
+StoredSpeechModels::StoredSpeechModels(StandardFolders folders, ProxyOf proxyOf)
+    : folders_(std::move(folders)), proxyOf_(std::move(proxyOf)) {}
+
+SpeechModelsFound StoredSpeechModels::find() {
+    const SpeechModelStore store = this->store();
+    SpeechModelsFound found;
+    found.folder = store.folder();
+    found.notice = noticeOf(store);
+    for (const SpeechModel& model : store.catalogue().offered())
+        found.models.push_back(offerOf(model, store));
+    for (const InstalledSpeechModel& model : store.installed())
+        merge(found.models, offerOf(model, store));
+    if (const auto best = recommendedModel(store.catalogue(), Machine::here()))
+        for (SpeechModelOffer& offer : found.models)
+            offer.isRecommended = offer.id == best->id;
+    if (const auto model = store.inUse())
+        found.inUse = model->id;
+    return found;
+}
+
+void StoredSpeechModels::download(const std::string& id,
+                                  const std::function<void(const DownloadProgress&)>& progress,
+                                  const std::stop_token& stop) {
+    const SpeechModelStore store = this->store();
+    const SpeechModel& model = listedModel(store, id);
+    DownloadOptions options;
+    options.proxy = proxyOf_(model.address);
+    downloadModel(model, store, stop, progress, options);
+}
+
+void StoredSpeechModels::discard(const std::string& id) {
+    const SpeechModelStore store = this->store();
+    discardPart(listedModel(store, id), store);
+}
+
+void StoredSpeechModels::add(const std::filesystem::path& file, const std::function<void(double)>& progress,
+                             const std::stop_token& stop) {
+    store().add(file, stop, progress);
+}
+
+void StoredSpeechModels::remove(const std::string& id) {
+    store().remove(id);
+}
+
+void StoredSpeechModels::use(const std::string& id) {
+    store().use(id);
+}
+
+}  // namespace korvane

@@ -1,0 +1,33 @@
+// How fast a model will be here, and which one suits this machine.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "platform/models/SpeechModel.h"
+#include "platform/models/SpeechModelCatalogue.h"
+
+namespace korvane {
+
+struct Machine {
+    int cores = 1;                   ///< that this process may use
+    std::uint64_t memoryBytes = 0;   ///< altogether, what is in use included
+    double operationsPerSecond = 0;  ///< multiplications and additions of all cores together, as measured
+
+    /// All the memory of this machine. Any thread; at once.
+    static std::uint64_t installedMemoryBytes();
+    /// This machine, measured when it is first asked for: that takes some 30 ms on all cores. Any thread.
+    static const Machine& here();
+};
+
+/// How many seconds of sound are recognised in one second: 4 is four times faster than the speech.
+/// An estimate, right within a factor of two or so.
+/// \param operationsPerSecond  of the model, for a second of sound; more than 0.
+double expectedSpeed(double operationsPerSecond, const Machine& machine);
+double expectedSpeed(const SpeechModel& model, const Machine& machine);
+
+/// The best of the offered models that leaves half of the memory to others and is at least twice as fast as
+/// the speech; when none is, the smallest. None of an empty list.
+std::optional<SpeechModel> recommendedModel(const SpeechModelCatalogue& catalogue, const Machine& machine);
+
+}  // namespace korvane

@@ -1,0 +1,69 @@
+#include "platform/speech/whisper/SpeechWindow.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/speech/SoundLevel.h"
+
+namespace korvane {
+namespace {
+
+// As SpeechStretches tells speech from its background.
+constexpr double aboveFloorDb = 6.0;
+constexpr double inaudibleDb = -66.0;
+
+std::int64_t overlap(const SpeechWindow::Piece& piece, std::int64_t begin, std::int64_t end) {
+    return std::min(end, piece.voiceEnd) - std::max(begin, piece.voiceBegin);
+}
+
+void findVoice(SpeechWindow::Piece& piece) {
+    const auto& stretch = piece.stretch;
+    const auto levels = LevelCurve::of(stretch.samples, SpeechWindow::rateHz);
+    const double audible = std::max(stretch.floorDb + aboveFloorDb, inaudibleDb);
+    const auto isVoice = [audible](double level) { return level > audible; };
+    const auto first = std::find_if(levels.db.begin(), levels.db.end(), isVoice);
+    const auto last = std::find_if(levels.db.rbegin(), levels.db.rend(), isVoice);
+    const auto length = static_cast<std::int64_t>(stretch.samples.size());
+    piece.voiceBegin = piece.offset;
+    piece.voiceEnd = piece.offset + length;
+    if (first == levels.db.end())
+        return;
+    if (!stretch.beginsInSpeech)
+        piece.voiceBegin += std::distance(levels.db.begin(), first) * levels.step;
+    if (!stretch.endsInSpeech)
+        piece.voiceEnd =
+            piece.offset +
+            std::min((std::distance(last, levels.db.rend()) - 1) * levels.step + levels.window, length);
+}
+
+}  // namespace
+
+bool SpeechWindow::hasRoomFor(const SpeechStretch& stretch) const {
+    return isEmpty() || std::ssize(samples_) + std::ssize(stretch.samples) <= longest;
+}
+
+void SpeechWindow::add(SpeechStretch stretch) {
+    Piece piece;
+    piece.offset = std::ssize(samples_);
+    samples_.insert(samples_.end(), stretch.samples.begin(), stretch.samples.end());
+    piece.stretch = std::move(stretch);
+    findVoice(piece);
+    pieces_.push_back(std::move(piece));
+}
+
+std::size_t SpeechWindow::pieceOf(std::int64_t begin, std::int64_t end) const {
+    // A negative overlap is a distance, so the largest one is right in both cases.
+    const auto best = std::max_element(pieces_.begin(), pieces_.end(), [&](const auto& a, const auto& b) {
+        return overlap(a, begin, end) < overlap(b, begin, end);
+    });
+    return static_cast<std::size_t>(std::distance(pieces_.begin(), best));
+}
+
+std::int64_t SpeechWindow::voiceIn(std::int64_t begin, std::int64_t end) const {
+    std::int64_t sum = 0;
+    for (const auto& piece : pieces_)
+        sum += std::max<std::int64_t>(overlap(piece, begin, end), 0);
+    return sum;
+}
+
+}  // namespace korvane

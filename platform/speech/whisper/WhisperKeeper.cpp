@@ -1,0 +1,110 @@
+#include "platform/speech/whisper/WhisperKeeper.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "platform/tasks/Cancellation.h"
+
+namespace korvane {
+namespace {
+
+/// A file's name and what changes when another takes its place.
+std::string fingerprint(const std::filesystem::path& file) {
+    std::error_code ignored;
+    const auto size = std::filesystem::file_size(file, ignored);
+    const auto written = std::filesystem::last_write_time(file, ignored).time_since_epoch().count();
+    return file.string() + '\n' + std::to_string(size) + '\n' + std::to_string(written);
+}
+
+}  // namespace
+
+WhisperKeeper::Loan::Loan(WhisperKeeper& keeper, std::filesystem::path model, std::stop_token stop)
+    : keeper_(keeper), model_(std::move(model)), stop_(std::move(stop)) {}
+
+WhisperKeeper::Loan::~Loan() {
+    if (!turn_)
+        return;
+    const std::lock_guard lock(keeper_.mutex_);
+    keeper_.unusedSince_ = Clock::now();
+    leave();
+}
+
+WhisperWorker& WhisperKeeper::Loan::worker() {
+    if (!turn_)
+        takeTurn();
+    if (!worker_)
+        worker_ = &keeper_.workerWith(model_, stop_);
+    return *worker_;
+}
+
+void WhisperKeeper::Loan::takeTurn() {
+    std::unique_lock lock(keeper_.mutex_);
+    turn_ = keeper_.turns_.insert(keeper_.turns_.end(), 0);
+    if (keeper_.changed_.wait(lock, stop_, [this] { return keeper_.turns_.begin() == *turn_; }))
+        return;
+    leave();
+    throw CancellationError();
+}
+
+void WhisperKeeper::Loan::leave() {
+    keeper_.turns_.erase(*turn_);
+    turn_.reset();
+    keeper_.changed_.notify_all();
+}
+
+WhisperKeeper::WhisperKeeper(WhisperSettings settings) : settings_(std::move(settings)) {}
+
+WhisperKeeper::~WhisperKeeper() = default;
+
+WhisperWorker& WhisperKeeper::workerWith(const std::filesystem::path& model, const std::stop_token& stop) {
+    auto wanted = fingerprint(model);
+    std::unique_ptr<WhisperWorker> old;
+    {
+        const std::lock_guard lock(mutex_);
+        if (worker_ && wanted == loaded_ && worker_->isUsable())
+            return *worker_;
+        old = std::move(worker_);
+        if (!housekeeping_.joinable())
+            housekeeping_ = std::jthread([this](const std::stop_token& end) { keepHouse(end); });
+    }
+    // Its memory first: two large models at once may be too much.
+    old.reset();
+    auto made = std::make_unique<WhisperWorker>(settings_.command, model, settings_.threads,
+                                                settings_.patience, stop);
+    const std::lock_guard lock(mutex_);
+    loaded_ = std::move(wanted);
+    worker_ = std::move(made);
+    changed_.notify_all();
+    return *worker_;
+}
+
+pid_t WhisperKeeper::processId() const {
+    const std::lock_guard lock(mutex_);
+    return worker_ ? worker_->processId() : 0;
+}
+
+void WhisperKeeper::keepHouse(const std::stop_token& stop) {
+    std::unique_lock lock(mutex_);
+    while (!stop.stop_requested()) {
+        if (!changed_.wait(lock, stop, [this] { return worker_ && turns_.empty(); }))
+            return;
+        const auto until = unusedSince_ + settings_.idle;
+        changed_.wait_until(lock, stop, std::min(until, Clock::now() + settings_.look),
+                            [this] { return !turns_.empty(); });
+        lock.unlock();
+        const bool isShort = settings_.memoryIsShort();
+        lock.lock();
+        // Both may have changed while nobody held the lock.
+        if (!worker_ || !turns_.empty() ||
+            (worker_->isUsable() && !isShort && Clock::now() < unusedSince_ + settings_.idle))
+            continue;
+        auto gone = std::move(worker_);
+        // Outside the lock: whoever comes meanwhile needn't wait for it.
+        lock.unlock();
+        gone.reset();
+        lock.lock();
+    }
+}
+
+}  // namespace korvane

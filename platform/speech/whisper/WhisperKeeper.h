@@ -1,0 +1,83 @@
+// Keeps a worker with its model loaded while the person works, and lends it to one recognition after another.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/speech/whisper/WhisperWorker.h"
+
+namespace korvane {
+
+struct WhisperSettings {
+    std::vector<std::string> command;  ///< the worker program and its arguments
+    int threads = 1;
+    WhisperPatience patience;
+    std::chrono::milliseconds idle{std::chrono::minutes(5)};  ///< how long an unused worker is kept
+    std::chrono::milliseconds look{std::chrono::seconds(5)};  ///< how often memory is looked at meanwhile
+    std::function<bool()> memoryIsShort = [] { return false; };
+};
+
+/// Any thread. Outlives its loans.
+class WhisperKeeper {
+  public:
+    class Loan;
+
+    explicit WhisperKeeper(WhisperSettings settings);
+    ~WhisperKeeper();
+    WhisperKeeper(const WhisperKeeper&) = delete;
+    WhisperKeeper& operator=(const WhisperKeeper&) = delete;
+
+    /// The process that is kept at present; 0: none. For measurements and tests.
+    pid_t processId() const;
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    WhisperWorker& workerWith(const std::filesystem::path& model, const std::stop_token& stop);
+    void keepHouse(const std::stop_token& stop);
+
+    const WhisperSettings settings_;
+    mutable std::mutex mutex_;
+    std::condition_variable_any changed_;
+    std::list<int> turns_;  // whoever is in front has the worker
+    std::unique_ptr<WhisperWorker> worker_;
+    std::string loaded_;  // the file that it has loaded, as it was then
+    Clock::time_point unusedSince_;
+    std::jthread housekeeping_;
+};
+
+/// The worker for one recording, from when it is first needed. Lives on one thread.
+class WhisperKeeper::Loan {
+  public:
+    Loan(WhisperKeeper& keeper, std::filesystem::path model, std::stop_token stop);
+    ~Loan();
+    Loan(const Loan&) = delete;
+    Loan& operator=(const Loan&) = delete;
+
+    /// The first call waits for its turn, and for a worker that has the model: the one that is there when it
+    /// can still be used, else a new one.
+    /// \throws RecognitionError when there is no worker to be had; CancellationError.
+    WhisperWorker& worker();
+
+  private:
+    void takeTurn();
+    void leave();
+
+    WhisperKeeper& keeper_;
+    const std::filesystem::path model_;
+    const std::stop_token stop_;
+    std::optional<std::list<int>::iterator> turn_;
+    WhisperWorker* worker_ = nullptr;
+};
+
+}  // namespace korvane

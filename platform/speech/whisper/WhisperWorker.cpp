@@ -1,0 +1,278 @@
+#include "platform/speech/whisper/WhisperWorker.h"
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <system_error>
+#include <utility>
+
+#include "platform/speech/SpeechRecognizer.h"
+#include "platform/speech/whisper/WhisperProtocol.h"
+#include "platform/tasks/Cancellation.h"
+
+namespace korvane {
+namespace {
+
+using whisper::Line;
+using whisper::makeLine;
+
+/// Far more than a minute of sound holds; a worker that says more has lost its mind.
+constexpr int mostTokens = 20000;
+
+const std::vector<std::string> environment{
+    "GGML_NO_BACKTRACE=1",  // else an abort starts a debugger
+    // Threads that wait for one another sleep instead of turning in circles: on a machine that has other work
+    // too, they turn while the one that they wait for can't run. Measured: five to ten times as fast there.
+    "OMP_WAIT_POLICY=passive",
+};
+
+/// Hundredths of a second that can't be far off; the rest is for whoever uses them to sort out.
+constexpr std::int64_t farAway = 100 * 3600;
+
+WhisperToken readToken(Line& line, std::string text) {
+    WhisperToken token;
+    token.aligned = line.number(-farAway, farAway);
+    token.probability = line.number(0.0, 1.0);
+    token.bytes = std::move(text);
+    line.number<std::size_t>(token.bytes.size(), token.bytes.size());
+    return token;
+}
+
+WhisperSegment readSegment(Line& line) {
+    WhisperSegment segment;
+    segment.start = line.number(-farAway, farAway);
+    segment.end = line.number(-farAway, farAway);
+    segment.silence = line.number(0.0, 1.0);
+    return segment;
+}
+
+}  // namespace
+
+WhisperWorker::WhisperWorker(const std::vector<std::string>& command, std::filesystem::path model,
+                             int threads, const WhisperPatience& patience, const std::stop_token& stop) try
+    : model_(std::move(model)), patience_(patience), process_(command, environment) {
+    greet(stop);
+    load(threads, stop);
+    isUsable_ = true;
+} catch (const std::system_error& error) {
+    throw RecognitionError("Whisper can't be started: " + error.code().message() + ".");
+}
+
+void WhisperWorker::greet(const std::stop_token& stop) {
+    deadline_ = Clock::now() + patience_.start;
+    const auto message = next(stop);
+    Line line(message.line);
+    const auto verb = line.word();
+    const auto version = line.number(0, 1000000);
+    if (!line.isComplete() || verb != "hello")
+        talkedNonsense();
+    if (version != whisper::protocolVersion)
+        throw RecognitionError(
+            "The program and its Whisper worker are of different versions. Install them again.");
+}
+
+void WhisperWorker::load(int threads, const std::stop_token& stop) {
+    deadline_ = Clock::now() + patience_.load;
+    const auto& path = model_.native();
+    send(makeLine("load", threads, path.size()) + path, stop);
+    const auto message = next(stop);
+    Line line(message.line);
+    const auto verb = line.word();
+    if (verb == "failed")
+        failed(message);
+    backend_ = line.word();
+    if (verb != "loaded" || !line.isComplete())
+        talkedNonsense();
+}
+
+std::vector<WhisperSegment> WhisperWorker::recognize(std::span<const float> samples,
+                                                     const std::string& language,
+                                                     const std::stop_token& stop) {
+    checkCancelled(stop);
+    isUsable_ = false;  // until the request has come to a proper end
+    ++request_;
+    deadline_ = Clock::now() + patience_.work;
+    const auto bytes = std::as_bytes(samples);
+    bool isSent = false;
+    try {
+        send(makeLine("recognise", request_, language, bytes.size()), stop);
+        send({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, stop);
+        isSent = true;
+        auto segments = receive(stop);
+        isUsable_ = true;
+        return segments;
+    } catch (const CancellationError&) {
+        if (isSent)
+            giveUp();
+        else
+            process_.end();  // it waits for the rest of a request that never comes
+        throw;
+    } catch (const std::system_error& error) {
+        process_.end();
+        throw RecognitionError("Whisper can't be reached: " + error.code().message() + ".");
+    }
+}
+
+std::vector<WhisperSegment> WhisperWorker::receive(const std::stop_token& stop) {
+    std::vector<WhisperSegment> segments;
+    for (int pieces = 0; pieces < mostTokens;) {
+        auto message = next(stop);
+        // Whatever it says, it lives.
+        deadline_ = Clock::now() + patience_.work;
+        Line line(message.line);
+        const auto verb = line.word();
+        if (verb == "failed")
+            failed(message);
+        if (verb == "token") {
+            if (segments.empty())
+                talkedNonsense();
+            segments.back().tokens.push_back(readToken(line, std::move(message.text)));
+            ++pieces;
+        } else {
+            line.number(request_, request_);
+            if (verb == "segment") {
+                segments.push_back(readSegment(line));
+                ++pieces;
+            } else if (verb == "done" && line.isComplete()) {
+                return segments;
+            } else if (verb != "alive") {
+                talkedNonsense();
+            }
+        }
+        if (!line.isComplete())
+            talkedNonsense();
+    }
+    talkedNonsense();
+}
+
+void WhisperWorker::giveUp() {
+    deadline_ = Clock::now() + patience_.stop;
+    try {
+        send(makeLine("stop", request_), {});
+        // What it had still to say comes first.
+        for (;;) {
+            const auto message = next({});
+            Line line(message.line);
+            const auto verb = line.word();
+            if (verb == "alive" || verb == "segment" || verb == "token")
+                continue;
+            isUsable_ = (verb == "stopped" || verb == "done") &&
+                        line.number(request_, request_) == request_ && line.isComplete();
+            break;
+        }
+    } catch (const RecognitionError&) {
+        isUsable_ = false;
+    } catch (const std::system_error&) {
+        isUsable_ = false;
+    }
+    if (!isUsable_)
+        process_.end();
+}
+
+void WhisperWorker::send(std::span<const char> bytes, const std::stop_token& stop) {
+    while (!bytes.empty()) {
+        std::size_t count = 0;
+        switch (process_.write(bytes, count, deadline_, stop)) {
+            case WorkerProcess::Event::stopped:
+                throw CancellationError();
+            case WorkerProcess::Event::late:
+                hung();
+            case WorkerProcess::Event::ready:
+                break;
+        }
+        if (count == 0)
+            died();
+        bytes = bytes.subspan(count);
+    }
+}
+
+WhisperWorker::Message WhisperWorker::next(const std::stop_token& stop) {
+    for (;;) {
+        if (auto message = takeWhole())
+            return std::move(*message);
+        fill(stop);
+    }
+}
+
+std::optional<WhisperWorker::Message> WhisperWorker::takeWhole() {
+    const auto end = heard_.find('\n');
+    if (std::min(end, heard_.size()) > whisper::longestLine)
+        talkedNonsense();
+    if (end == std::string::npos)
+        return std::nullopt;
+    const std::string_view line(heard_.data(), end);
+    std::size_t bytes = 0;
+    if (line.starts_with("token ") || line.starts_with("failed ")) {
+        Line last(line.substr(line.rfind(' ') + 1));
+        bytes = last.number<std::size_t>(0, whisper::longestText);
+        if (!last.isComplete())
+            talkedNonsense();
+    }
+    if (heard_.size() - end - 1 < bytes)
+        return std::nullopt;
+    Message message{std::string(line), heard_.substr(end + 1, bytes)};
+    heard_.erase(0, end + 1 + bytes);
+    return message;
+}
+
+void WhisperWorker::fill(const std::stop_token& stop) {
+    std::array<char, 16384> some{};
+    std::size_t count = 0;
+    switch (process_.read(some, count, deadline_, stop)) {
+        case WorkerProcess::Event::stopped:
+            throw CancellationError();
+        case WorkerProcess::Event::late:
+            hung();
+        case WorkerProcess::Event::ready:
+            break;
+    }
+    if (count == 0)
+        died();
+    heard_.append(some.data(), count);
+}
+
+void WhisperWorker::failed(const Message& message) {
+    Line line(message.line);
+    line.word();
+    const auto kind = line.word();
+    const auto& why = message.text;
+    // Of a language that it doesn't know nothing has come to harm.
+    isUsable_ = kind == whisper::failure::language;
+    const auto name = "'" + model_.filename().string() + "'";
+    if (kind == whisper::failure::memory)
+        throw RecognitionError("There is not enough memory for the Whisper model " + name +
+                               ". Close other programs or choose a smaller model.");
+    if (kind == whisper::failure::model)
+        throw RecognitionError("Whisper can't use the model " + name + ". " + why +
+                               " Install the model again.");
+    throw RecognitionError("Whisper failed with the model " + name + ". " + why);
+}
+
+void WhisperWorker::died() {
+    const int status = process_.endOfItself(std::chrono::milliseconds(200));
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
+        throw RecognitionError(
+            "Whisper was ended by the system, most likely because memory ran out. Close other programs or "
+            "choose "
+            "a smaller model.");
+    const auto how = WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
+                                         : "code " + std::to_string(WEXITSTATUS(status));
+    throw RecognitionError("Whisper broke off unexpectedly (" + how +
+                           "). Try again, or choose another model.");
+}
+
+void WhisperWorker::hung() {
+    process_.end();
+    throw RecognitionError(
+        "Whisper didn't answer any more and was ended. Try again, or choose another model.");
+}
+
+void WhisperWorker::talkedNonsense() {
+    process_.end();
+    throw RecognitionError(
+        "Whisper's worker answered something that makes no sense and was ended. Try again.");
+}
+
+}  // namespace korvane

@@ -1,0 +1,176 @@
+// korvane-whisper: recognises speech for the program that started it, over its standard input and output, in
+// a process of its own, so that whatever the library does to itself stays here. Writes no file, opens no
+// connection, and ends when the program does.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <ctime>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "platform/speech/whisper/WhisperProtocol.h"
+#include "platform/speech/whisper/worker/Model.h"
+#include "platform/speech/whisper/worker/Requests.h"
+
+namespace korvane::whisper {
+namespace {
+
+/// The pipe back. Whole messages from any thread.
+class Answers final : public Listener {
+  public:
+    explicit Answers(int output) : output_(output) {}
+
+    void begin(std::int64_t id) { id_ = id; }
+    void send(const std::string& message) {
+        const std::lock_guard lock(mutex_);
+        write(message);
+    }
+    void failed(std::string_view kind, std::string_view sentence) {
+        sentence = sentence.substr(0, longestText);
+        send(makeLine("failed", kind, sentence.size()) + std::string(sentence));
+    }
+
+    void alive() override {
+        const auto now = std::chrono::steady_clock::now();
+        const std::lock_guard lock(mutex_);
+        if (now - lastAlive_ < std::chrono::milliseconds(200))
+            return;
+        lastAlive_ = now;
+        write(makeLine("alive", id_));
+    }
+    void segment(long long start, long long end, double silence) override {
+        send(makeLine("segment", id_, start, end, share(silence)));
+    }
+    void token(long long end, double chance, std::string_view bytes) override {
+        bytes = bytes.substr(0, longestText);
+        send(makeLine("token", end, share(chance), bytes.size()) + std::string(bytes));
+    }
+
+  private:
+    static double share(double value) { return value >= 0.0 && value <= 1.0 ? value : 0.0; }
+
+    void write(std::string_view message) const {
+        while (!message.empty()) {
+            const auto written = ::write(output_, message.data(), message.size());
+            if (written > 0)
+                message.remove_prefix(static_cast<std::size_t>(written));
+            else if (errno != EINTR)
+                _exit(0);  // nobody listens any more
+        }
+    }
+
+    const int output_;
+    std::mutex mutex_;
+    std::chrono::steady_clock::time_point lastAlive_;
+    std::int64_t id_ = 0;
+};
+
+/// The processor time of all threads, in seconds.
+double processorTime() {
+    timespec used{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+    return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * 1e-9;
+}
+
+/// Says that the worker lives while the library is inside one of its calls: a small machine listens to a
+/// single window of a large model for minutes. Whatever uses the processor isn't stuck; but not for ever, as
+/// who turns in circles uses it too.
+class Pulse {
+  public:
+    explicit Pulse(Answers& answers)
+        : thread_([&answers](const std::stop_token& stop) {
+              std::mutex mutex;
+              std::unique_lock lock(mutex);
+              std::condition_variable_any never;
+              double used = processorTime();
+              for (int beats = 0; beats < mostBeats; ++beats) {
+                  never.wait_for(lock, stop, between, [] { return false; });
+                  if (stop.stop_requested())
+                      return;
+                  if (processorTime() - used > leastWork)
+                      answers.alive();
+                  used = processorTime();
+              }
+          }) {}
+
+  private:
+    static constexpr std::chrono::milliseconds between{250};
+    static constexpr int mostBeats = 20 * 60 * 4;  // twenty minutes
+    static constexpr double leastWork = 1e-3;      // seconds; the beat itself takes some microseconds
+    std::jthread thread_;
+};
+
+void recognise(Model& model, const Request& request, const Requests& requests, Answers& answers) {
+    answers.begin(request.id);
+    const auto isStopped = [&] { return requests.isStopped(request.id); };
+    const bool whole = [&] {
+        const Pulse pulse(answers);
+        return model.recognise(request.samples, request.language, isStopped, answers);
+    }();
+    answers.send(makeLine(whole ? "done" : "stopped", request.id));
+}
+
+[[noreturn]] void serve(Requests& requests, Answers& answers) {
+    std::optional<Model> model;
+    for (;;) {
+        const auto request = requests.next();
+        try {
+            if (request.loads) {
+                model.reset();
+                model.emplace(request.path, request.threads);
+                answers.send(makeLine("loaded", model->backend()));
+            } else if (model) {
+                recognise(*model, request, requests, answers);
+            } else {
+                answers.failed(failure::engine, "It was asked before it had a model.");
+            }
+        } catch (const Failure& failed) {
+            answers.failed(failed.kind(), failed.what());
+        } catch (const std::bad_alloc&) {
+            answers.failed(failure::memory, "There is not enough memory.");
+        }
+    }
+}
+
+/// When memory runs out, this process is to go, not the one with the person's work. And what it leaves behind
+/// when it crashes is of no use to anyone.
+void beExpendable() {
+    const int file = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
+    if (file >= 0) {
+        [[maybe_unused]] const auto written = ::write(file, "900", 3);
+        close(file);
+    }
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
+}
+
+}  // namespace
+}  // namespace korvane::whisper
+
+int main(int count, char** arguments) {
+    using namespace korvane::whisper;
+    signal(SIGPIPE, SIG_IGN);
+    beExpendable();
+    // The library prints to standard output here and there: what it prints goes nowhere.
+    const int output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (output < 0 || nowhere < 0 || dup2(nowhere, STDOUT_FILENO) < 0)
+        return 1;
+    Requests requests(STDIN_FILENO);
+    Answers answers(output);
+    answers.send(makeLine("hello", protocolVersion));
+    prepareLibrary(count == 3 && std::string_view(arguments[1]) == "--backends" ? arguments[2] : "");
+    serve(requests, answers);
+}

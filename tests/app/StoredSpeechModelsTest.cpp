@@ -1,0 +1,79 @@
+#include "app/StoredSpeechModels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "platform/models/ModelError.h"
+#include "tests/platform/models/SmallWhisperModel.h"
+#include "tests/platform/models/TestServer.h"
+#include "tests/support/TemporaryFolder.h"
+
+using namespace korvane;
+using namespace korvane::test;
+
+namespace {
+
+class StoredSpeechModelsTest : public testing::Test {
+  protected:
+    StoredSpeechModelsTest() {
+        folders.configHome = folder.path() / "config";
+        folders.dataHome = folder.path() / "data";
+        folders.systemConfig = folder.path() / "etc";
+    }
+    void list(std::size_t bytes, const std::string& mirror = "https://x/") {
+        folder.file("config/korvane/speech-models.json",
+                    R"({"mirror": ")" + mirror +
+                        R"(", "models": [{"id": "one", "name": "One", "file": "ggml-one.bin",
+                "memory": 1000, "operations": 1e9, "sha256": ")" +
+                        std::string(64, 'a') + R"(", "bytes": )" + std::to_string(bytes) + "}]}");
+    }
+    SpeechModelOffer found(const std::string& id) {
+        const auto models = StoredSpeechModels(folders).find().models;
+        const auto model = std::ranges::find(models, id, &SpeechModelOffer::id);
+        return model == models.end() ? SpeechModelOffer() : *model;
+    }
+
+    TemporaryFolder folder;
+    StandardFolders folders;
+    std::string content = smallWhisperModel();
+};
+
+TEST_F(StoredSpeechModelsTest, aDownloadedModelCanBeHadAgain) {
+    list(content.size());
+    folder.file("data/korvane/models/whisper/ggml-one.bin", content);
+    EXPECT_TRUE(found("one").isInstalled);
+    EXPECT_TRUE(found("one").isListed);
+}
+
+TEST_F(StoredSpeechModelsTest, anotherFileOfItsNameIsNotSaidToBeThereForTheAsking) {
+    list(content.size() + 1);
+    folder.file("data/korvane/models/whisper/ggml-one.bin", content);
+    EXPECT_TRUE(found("one").isInstalled);
+    EXPECT_FALSE(found("one").isListed);
+}
+
+TEST_F(StoredSpeechModelsTest, aFileOfThePersonsOwnStandsBesideTheListedOnes) {
+    list(content.size() + 1);
+    folder.file("data/korvane/models/whisper/one.bin", content);
+    EXPECT_FALSE(found("one").isInstalled);
+    EXPECT_TRUE(found("one.bin").isInstalled);
+    EXPECT_FALSE(found("one.bin").isListed);
+}
+
+TEST_F(StoredSpeechModelsTest, aDownloadGoesThroughTheProxyOfTheDesktop) {
+    list(content.size(), "http://models.example/");
+    TestServer proxy([this](const Received& request, Peer& peer) { serveFile(request, peer, content); });
+    std::string asked;
+    StoredSpeechModels models(folders, [&](const std::string& address) {
+        asked = address;
+        return "http://127.0.0.1:" + std::to_string(proxy.port());
+    });
+    // What comes isn't what the list promises.
+    EXPECT_THROW(models.download("one", {}, {}), ModelError);
+    EXPECT_EQ(asked, "http://models.example/ggml-one.bin");
+    ASSERT_EQ(proxy.requests(), 1);
+    EXPECT_EQ(proxy.received().front().target, "http://models.example/ggml-one.bin");
+}
+
+}  // namespace

@@ -1,0 +1,137 @@
+// A worker that speaks the protocol by hand and misbehaves as it is told:
+//
+//   korvane-fake-whisper BEHAVIOUR [MARK]
+//
+// With MARK, a file, it misbehaves only while that file isn't there, and makes it when it comes to that: so
+// the next one is well behaved. A well-behaved one hears "one two" in every request, at 0.5 and 1.0 s.
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <thread>
+
+#include "platform/speech/whisper/WhisperProtocol.h"
+
+namespace {
+
+using korvane::whisper::Line;
+
+std::string behaviour;
+std::string mark;
+
+/// Whether to misbehave like this, now.
+bool isTold(const std::string& what) {
+    if (behaviour != what)
+        return false;
+    if (!mark.empty())
+        std::ofstream(mark) << what;
+    return true;
+}
+
+void say(const std::string& text) {
+    std::cout << text << std::flush;
+}
+
+/// Not with ignore(), which waits for the byte behind those.
+void skip(std::size_t count) {
+    std::string bytes(count, '\0');
+    std::cin.read(bytes.data(), static_cast<std::streamsize>(count));
+}
+
+[[noreturn]] void sleepForever() {
+    for (;;)
+        pause();
+}
+
+/// What goes wrong wherever it is put.
+void misbehave(const std::string& where) {
+    if (isTold(where + "-exits"))
+        std::_Exit(3);
+    if (isTold(where + "-aborts"))
+        std::abort();
+    if (isTold(where + "-killed"))
+        raise(SIGKILL);
+    if (isTold(where + "-hangs"))
+        sleepForever();
+    if (isTold(where + "-nonsense"))
+        say("I am a fish\n");
+    if (isTold(where + "-binary"))
+        say(std::string(300, '\0'));
+    if (isTold(where + "-flood"))
+        for (;;)
+            say(std::string(4096, 'x'));
+}
+
+void answer(std::int64_t id) {
+    const auto number = std::to_string(id);
+    misbehave("asked");
+    say("alive " + number + "\n");
+    if (isTold("wrong-request"))
+        say("done " + std::to_string(id + 1) + "\n");
+    if (isTold("token-first"))
+        say("token 50 1 3\none");
+    if (isTold("text-too-long"))
+        say("segment " + number + " 0 100 0\ntoken 50 1 99999999\none");
+    if (isTold("text-cut"))
+        say("segment " + number + " 0 100 0\ntoken 50 1 100\none");
+    if (isTold("no-numbers"))
+        say("segment " + number + " nan inf -1\n");
+    if (isTold("endless"))
+        for (;;)
+            say("segment " + number + " 0 100 0\ntoken 50 1 3\none");
+    if (isTold("no-memory"))
+        return say("failed memory 5\nNone.");
+    if (isTold("backwards"))
+        return say("segment " + number +
+                   " 300 -500 0\ntoken 400 1 4\n onetoken -70 1 4\n twotoken 99999 1 6\n three" + "done " +
+                   number + "\n");
+    if (isTold("alive-forever"))
+        for (;;) {
+            say("alive " + number + "\n");
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    say("segment " + number + " 0 100 0.01\ntoken 50 0.9 4\n one");
+    misbehave("answering");
+    say("token 100 0.9 4\n two");
+    misbehave("answered");
+    say("done " + number + "\n");
+    misbehave("idle");
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    signal(SIGPIPE, SIG_DFL);
+    behaviour = count > 1 ? arguments[1] : "";
+    mark = count > 2 ? arguments[2] : "";
+    if (std::ifstream(mark))
+        behaviour = "";
+
+    misbehave("started");
+    say("hello " + std::to_string(isTold("other-version") ? 77 : korvane::whisper::protocolVersion) + "\n");
+    if (isTold("deaf"))
+        sleepForever();
+    for (std::string text; std::getline(std::cin, text);) {
+        Line line(text);
+        const auto verb = line.word();
+        if (verb == "load") {
+            line.number(1, 1024);
+            skip(line.number<std::size_t>(1, 65536));
+            misbehave("loading");
+            if (isTold("bad-model"))
+                say("failed model 12\nIt is broken");
+            else
+                say("loaded Fake\n");
+            misbehave("loaded");
+        } else if (verb == "recognise") {
+            const auto id = line.number<std::int64_t>(0, 1000000);
+            line.word();
+            skip(line.number<std::size_t>(0, 100000000));
+            answer(id);
+        }
+    }
+}
