@@ -29,5 +29,7 @@ void measureRecognition(const Setting& setting, Report& report, int minutes);
 void measureTokens(const Setting& setting, Report& report);
 /// The real window: start, sliders, the main thread in every step of the work, font menu.
 void measureWindow(const Setting& setting, Report& report);
+/// The preview in the real window, and its player: first frame, loops, lip sync, styling, seeks.
+void measurePreview(const Setting& setting, Report& report);
 
 }  // namespace korvane::bench

@@ -90,6 +90,72 @@ std::filesystem::path SourceFiles::video(int minutes) const {
                     });
 }
 
+std::filesystem::path SourceFiles::light(int minutes) const {
+    if (minutes > 1)
+        return madeOnce(folder_ / ("light-" + std::to_string(minutes) + ".mp4"),
+                        [&](const std::string& destination) {
+                            // The parts' own sound would overlap at the seams and could not be taken out as
+                            // it is.
+                            // clang-format off
+                runChild({"ffmpeg", "-v", "error", "-y", "-f", "concat", "-i", partsList(light(1), minutes),
+                          "-f", "lavfi", "-i", kSound, "-map", "0:v", "-map", "1:a",
+                          "-t", std::to_string(minutes * kMinuteSeconds), "-c:v", "copy", "-c:a", "aac",
+                          "-b:a", "192k", "-movflags", "+faststart", destination});
+                            // clang-format on
+                        });
+    return madeOnce(folder_ / "light-1.mp4", [&](const std::string& destination) {
+        runChild({"ffmpeg",
+                  "-v",
+                  "error",
+                  "-y",
+                  "-i",
+                  minute().string(),
+                  "-c:v",
+                  "libx264",
+                  "-preset",
+                  "veryfast",
+                  "-b:v",
+                  "1500k",
+                  "-g",
+                  std::to_string(kRate),
+                  "-sc_threshold",
+                  "0",
+                  "-bf",
+                  "0",
+                  "-c:a",
+                  "copy",
+                  "-movflags",
+                  "+faststart",
+                  destination});
+    });
+}
+
+std::filesystem::path SourceFiles::halfMinuteAt60() const {
+    return madeOnce(folder_ / "half-minute-at-60.mp4", [&](const std::string& destination) {
+        runChild({"ffmpeg",    "-v",
+                  "error",     "-y",
+                  "-itsscale", "0.5",
+                  "-i",        minute().string(),
+                  "-f",        "lavfi",
+                  "-i",        kSound,
+                  "-map",      "0:v",
+                  "-map",      "1:a",
+                  "-t",        std::to_string(kMinuteSeconds / 2),
+                  "-c:v",      "copy",
+                  "-c:a",      "aac",
+                  "-b:a",      "192k",
+                  "-movflags", "+faststart",
+                  destination});
+    });
+}
+
+std::filesystem::path SourceFiles::rareKeys() const {
+    return madeOnce(folder_ / "rare-keys.mp4", [&](const std::string& destination) {
+        runChild({"ffmpeg", "-v", "error", "-y", "-i", minute().string(), "-c:v", "libx264", "-preset",
+                  "veryfast", "-crf", "23", "-c:a", "copy", "-movflags", "+faststart", destination});
+    });
+}
+
 std::filesystem::path SourceFiles::speech(int minutes) const {
     if (minutes > 1)
         return madeOnce(folder_ / ("speech-" + std::to_string(minutes) + ".m4a"),

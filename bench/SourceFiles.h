@@ -15,6 +15,13 @@ class SourceFiles {
     std::filesystem::path minute() const;
     /// The minute's picture so many times over, with sound without a seam.
     std::filesystem::path video(int minutes) const;
+    /// A picture of the same kind for so many minutes at a tenth of the bit rate, so that an hour takes one
+    /// GB.
+    std::filesystem::path light(int minutes) const;
+    /// The minute's pictures in half the time.
+    std::filesystem::path halfMinuteAt60() const;
+    /// The minute with x264's defaults: a key picture every 8 s, pictures that look ahead.
+    std::filesystem::path rareKeys() const;
     /// An M4A file of synthetic English.
     std::filesystem::path speech(int minutes) const;
     /// The same sound behind a still picture, as an MP4 file.

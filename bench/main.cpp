@@ -20,7 +20,8 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: korvane-bench --worker PROGRAM --files FOLDER [--quick] [--speech-hour] [--rounds N]\n"
-    "                     [--only export|extraction|lengths|memory|recognition|tokens|window]... [--json "
+    "                     [--only export|extraction|lengths|memory|recognition|tokens|window|preview]... "
+    "[--json "
     "FILE]\n"
     "  --quick        one round, nothing longer than a minute\n"
     "  --speech-hour  recognise an hour of speech as well\n"
@@ -96,6 +97,8 @@ void measure(const Options& options, Report& report) {
         measureTokens(setting, report);
     if (options.wants("window"))
         measureWindow(setting, report);
+    if (options.wants("preview"))
+        measurePreview(setting, report);
     if (!options.wants("recognition"))
         return;
     measureRecognition(setting, report, 1);

@@ -2,7 +2,9 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QWheelEvent>
 #include <cstdio>
 #include <stdexcept>
@@ -39,11 +41,15 @@ Desk::Desk(std::unique_ptr<SpeechRecognizerRegistry> recognizers)
     : controller_(std::make_unique<ViewController>(std::move(recognizers))) {
     controller_->viewDidLoad();
     controller_->viewDidAppear();
-    watchdog_ = std::make_unique<Watchdog>([this] { return view().statusText().toStdString(); });
+    setWatchdog();
     FrameCounter counter(window());
     window().show();
     until([&] { return counter.frames() > 0 && !view().styleEditor()->fontFamilies().isEmpty(); });
     runFor(kRestMs);
+}
+
+void Desk::setWatchdog() {
+    watchdog_ = std::make_unique<Watchdog>([this] { return view().statusText().toStdString(); });
 }
 
 QQuickItem& Desk::item(const char* objectName) {
@@ -114,6 +120,14 @@ void Desk::nextFrame() {
     FrameCounter counter(window());
     window().update();
     until([&] { return counter.frames() > 0; });
+}
+
+void Desk::leaveAlone(int milliseconds) {
+    watchdog_.reset();
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
+    setWatchdog();
 }
 
 WatchedStep Desk::watch(const std::string& step, const std::function<void()>& work) {

@@ -19,10 +19,14 @@ namespace korvane::bench {
 int measureStart(std::int64_t startNs, int& argc, char** argv) {
     StopSignals::hold();
     prepareProcess();
-    if (!findDisplay().problem.empty())
+    auto display = findDisplay();
+    if (!display.problem.empty())
         return 1;
+    drawWithoutGraphicsProcessor();
     const BorrowedRuntimeFolder borrowed;
     QApplication application(argc, argv);
+    // Not before: a server that its last client leaves refuses everybody for a moment.
+    display.connection.reset();
     settleLocale();
     QApplication::setWindowIcon(windowIcon());
     QFont font = QApplication::font();

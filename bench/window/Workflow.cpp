@@ -5,75 +5,23 @@
 #include "bench/window/Desk.h"
 #include "bench/window/Frame.h"
 #include "bench/window/Jobs.h"
-#include "platform/speech/RecognitionWorkers.h"
+#include "bench/window/Transcript.h"
 #include "ui/words/WordFlow.h"
 
 namespace korvane::bench {
 namespace {
 
-constexpr const char* kLocale = "en-US";
-
-/// Says any number of words at once, whatever it hears.
-class ManyWords final : public SpeechEngine {
-  public:
-    explicit ManyWords(int words) : words_(words) {}
-
-    std::unique_ptr<SpeechRecognizer> makeRecognizer(const Locale& locale) override {
-        return std::make_unique<Recognizer>(*this, locale);
-    }
-    SpeechSupport support(const Locale&) const override { return {true, "many words"}; }
-
-  private:
-    class Recognizer final : public SpeechRecognizer {
-      public:
-        Recognizer(ManyWords& engine, Locale locale) : engine_(engine), locale_(std::move(locale)) {}
-        const Locale& locale() const override { return locale_; }
-        bool isAvailable() const override { return true; }
-        std::unique_ptr<RecognitionTask> recognitionTask(const FileRecognitionRequest&,
-                                                         RecognitionHandler handler) override {
-            return engine_.workers_.start(
-                [count = engine_.words_](const std::stop_token&) { return made(count); }, std::move(handler));
-        }
-
-      private:
-        static std::vector<RecognizedSegment> made(int count) {
-            std::vector<RecognizedSegment> words;
-            for (int i = 0; i < count; ++i)
-                words.push_back({"word" + std::to_string(i * 7919 % 4001) +
-                                     std::string(static_cast<std::size_t>(i % 6), 'a'),
-                                 0.3 * i, 0.25});
-            return words;
-        }
-
-        ManyWords& engine_;
-        Locale locale_;
-    };
-
-    int words_;
-    RecognitionWorkers workers_;
-};
-
-std::unique_ptr<SpeechRecognizerRegistry> saying(int words) {
-    std::vector<std::unique_ptr<SpeechEngine>> engines;
-    engines.push_back(std::make_unique<ManyWords>(words));
-    return std::make_unique<SpeechRecognizerRegistry>(std::move(engines));
+std::vector<SpeechSegment> manyWords(int count) {
+    std::vector<SpeechSegment> words;
+    for (int i = 0; i < count; ++i)
+        words.emplace_back(
+            "word" + std::to_string(i * 7919 % 4001) + std::string(static_cast<std::size_t>(i % 6), 'a'),
+            0.3 * i, 0.3 * i + 0.25);
+    return words;
 }
 
 void load(Desk& desk, const std::string& video) {
-    for (std::size_t i = 0; i < ContentView::languages().size(); ++i)
-        if (ContentView::languages()[i].id == kLocale)
-            desk.view().selectLanguage(static_cast<int>(i));
-    print(desk.watch(
-        "load", [&] { desk.view().openDroppedFile(QUrl::fromLocalFile(QString::fromStdString(video))); }));
-    if (!desk.view().hasVideo())
-        throw std::runtime_error(desk.view().errorText().toStdString());
-}
-
-void transcribe(Desk& desk) {
-    desk.click(desk.place(desk.item("transcribe")));
-    desk.until([&] { return !desk.view().isProcessing(); }, 7200);
-    if (desk.view().hasError())
-        throw std::runtime_error(desk.view().errorText().toStdString());
+    print(desk.watch("load", [&] { openVideo(desk, video); }));
 }
 
 void choose(Desk& desk) {
@@ -123,14 +71,14 @@ void measureTranscription(const std::string& video) {
     }));
     QElapsedTimer timer;
     timer.start();
-    print(desk.watch("transcription", [&] { transcribe(desk); }));
+    print(desk.watch("transcription", [&] { transcribe(desk, kListeningLimitSeconds); }));
     print("seconds", static_cast<double>(timer.elapsed()) / 1e3);
     print("words", static_cast<double>(desk.view().segments().size()));
     choose(desk);
 }
 
 void measureWords(const std::string& video, int words) {
-    Desk desk(saying(words));
+    Desk desk(saying(manyWords(words)));
     load(desk, video);
     print(desk.watch("arrival", [&] { transcribe(desk); }));
     if (static_cast<int>(desk.view().segments().size()) != words)

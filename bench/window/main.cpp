@@ -8,6 +8,7 @@
 #include <exception>
 #include <string>
 
+#include "app/SoftwareRendering.h"
 #include "bench/window/Jobs.h"
 #include "platform/process/Process.h"
 
@@ -17,11 +18,13 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: korvane-bench-window start NANOSECONDS | drag | transcription VIDEO | words VIDEO COUNT | "
-    "fonts\n";
+    "fonts |\n"
+    "       preview VIDEO SECONDS WORDS PRESSES | play VIDEO SECONDS REEL-SECONDS WORDS PLAYED-SECONDS\n";
 
 int run(const std::string& job, int argc, char** argv) {
     if (job == "start" && argc == 3)
         return bench::measureStart(std::atoll(argv[2]), argc, argv);
+    drawWithoutGraphicsProcessor();
     const QApplication application(argc, argv);
     settleLocale();
     QFont font = QApplication::font();
@@ -35,6 +38,11 @@ int run(const std::string& job, int argc, char** argv) {
         bench::measureWords(argv[2], std::atoi(argv[3]));
     else if (job == "fonts" && argc == 2)
         bench::measureFontMenu();
+    else if (job == "preview" && argc == 6)
+        bench::measurePreviewing(argv[2], std::atof(argv[3]), std::atoi(argv[4]), std::atoi(argv[5]));
+    else if (job == "play" && argc == 7)
+        bench::measurePlaying(argv[2], {std::atof(argv[3]), std::atof(argv[4]), std::atoi(argv[5])},
+                              std::atof(argv[6]));
     else
         return std::fputs(kUsage, stderr), 2;
     return 0;

@@ -2,8 +2,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,6 +10,7 @@
 #include "bench/Statistics.h"
 #include "bench/window/FontFiles.h"
 #include "bench/window/Frame.h"
+#include "bench/window/WindowJob.h"
 
 namespace korvane::bench {
 namespace {
@@ -27,23 +26,6 @@ constexpr double kMostOfEmptyWindow = 4.0;
 /// Frames drawn for moves made; a few of each hundred fall into one frame because mouse and screen keep no
 /// common time.
 constexpr double kDrawnMoves = 0.95;
-
-std::string program(const Setting& setting, const char* name) {
-    return (std::filesystem::path(setting.worker).parent_path() / name).string();
-}
-
-/// Where windows go. Without a display there is only memory, drawn by the processor.
-std::vector<std::string> platforms() {
-    const char* display = std::getenv("DISPLAY");
-    return display && *display ? std::vector<std::string>{"offscreen", "xcb"}
-                               : std::vector<std::string>{"offscreen"};
-}
-
-CommandLine on(const std::string& platform, CommandLine command,
-               const std::string& variable = "KORVANE_BENCH=1") {
-    command.insert(command.begin(), {"env", "QT_QPA_PLATFORM=" + platform, variable});
-    return command;
-}
 
 ResourceUse startOnce(const Setting& setting, const std::string& platform, bool ours) {
     const auto now = [] {
@@ -71,44 +53,6 @@ void measureStart(const Setting& setting, Report& report, const std::string& pla
     report.runs("korvane", ours);
     report.runs("a window with one rectangle", empty);
     report.ratio("korvane / one rectangle", ours, empty, Goal{Side::atMost, kMostOfEmptyWindow});
-}
-
-void reportStep(const std::string& line, Report& report) {
-    char name[64] = {};
-    char shown[160] = {};
-    long answers = 0;
-    double wall[2];
-    double own[2];
-    double control[2];
-    int late[3];
-    if (std::sscanf(line.c_str(), "%63[^\t]\t%ld\t%lf\t%lf\t%d\t%lf\t%lf\t%d\t%lf\t%lf\t%d\t%159[^\n]", name,
-                    &answers, &wall[0], &wall[1], &late[0], &own[0], &own[1], &late[1], &control[0],
-                    &control[1], &late[2], shown) < 11)
-        throw std::runtime_error("korvane-bench-window printed: " + line);
-    char note[320];
-    std::snprintf(
-        note, sizeof note,
-        "%s: longest wait, 99.9 %%, and how many of %ld above %.1f ms: main thread %.1f, %.1f, %d; its own "
-        "part %.1f, %.1f, %d; an idle thread %.1f, %.1f, %d; shown: %s",
-        name, answers, kFrameMs, wall[0], wall[1], late[0], own[0], own[1], late[1], control[0], control[1],
-        late[2], shown);
-    report.note(note);
-    report.value(std::string(name) + ", own part / frame", own[0] / kFrameMs, "", Goal{Side::atMost, 1.0});
-}
-
-/// Reports all steps. \return the values that the job printed, by name
-std::map<std::string, double> run(const CommandLine& command, Report& report) {
-    std::istringstream lines(runChild(command).output);
-    std::map<std::string, double> values;
-    for (std::string line; std::getline(lines, line);) {
-        const auto tab = line.find('\t');
-        const std::string rest = line.substr(tab + 1);
-        if (line.starts_with("step\t"))
-            reportStep(rest, report);
-        else if (line.starts_with("value\t"))
-            values[rest.substr(0, rest.find('\t'))] = std::atof(rest.substr(rest.find('\t')).c_str());
-    }
-    return values;
 }
 
 void measureDragging(const Setting& setting, Report& report, const std::string& platform) {
