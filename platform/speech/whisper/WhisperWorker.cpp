@@ -174,16 +174,8 @@ void WhisperWorker::giveUp() {
 void WhisperWorker::send(std::span<const char> bytes, const std::stop_token& stop) {
     while (!bytes.empty()) {
         std::size_t count = 0;
-        switch (process_.write(bytes, count, deadline_, stop)) {
-            case WorkerProcess::Event::stopped:
-                throw CancellationError();
-            case WorkerProcess::Event::late:
-                hung();
-            case WorkerProcess::Event::ready:
-                break;
-        }
-        if (count == 0)
-            died();
+        const auto event = process_.write(bytes, count, deadline_, stop);
+        checkMoved(event, count);
         bytes = bytes.subspan(count);
     }
 }
@@ -220,7 +212,13 @@ std::optional<WhisperWorker::Message> WhisperWorker::takeWhole() {
 void WhisperWorker::fill(const std::stop_token& stop) {
     std::array<char, 16384> some{};
     std::size_t count = 0;
-    switch (process_.read(some, count, deadline_, stop)) {
+    const auto event = process_.read(some, count, deadline_, stop);
+    checkMoved(event, count);
+    heard_.append(some.data(), count);
+}
+
+void WhisperWorker::checkMoved(WorkerProcess::Event event, std::size_t count) {
+    switch (event) {
         case WorkerProcess::Event::stopped:
             throw CancellationError();
         case WorkerProcess::Event::late:
@@ -230,7 +228,6 @@ void WhisperWorker::fill(const std::stop_token& stop) {
     }
     if (count == 0)
         died();
-    heard_.append(some.data(), count);
 }
 
 void WhisperWorker::failed(const Message& message) {
@@ -251,14 +248,15 @@ void WhisperWorker::failed(const Message& message) {
 }
 
 void WhisperWorker::died() {
-    const int status = process_.endOfItself(std::chrono::milliseconds(200));
-    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
+    const auto status = process_.endOfItself(std::chrono::milliseconds(200));
+    if (!status)
+        hung();  // it lives and doesn't talk any more
+    if (WIFSIGNALED(*status) && WTERMSIG(*status) == SIGKILL)
         throw RecognitionError(
             "Whisper was ended by the system, most likely because memory ran out. Close other programs or "
-            "choose "
-            "a smaller model.");
-    const auto how = WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
-                                         : "code " + std::to_string(WEXITSTATUS(status));
+            "choose a smaller model.");
+    const auto how = WIFSIGNALED(*status) ? "signal " + std::to_string(WTERMSIG(*status))
+                                          : "code " + std::to_string(WEXITSTATUS(*status));
     throw RecognitionError("Whisper broke off unexpectedly (" + how +
                            "). Try again, or choose another model.");
 }

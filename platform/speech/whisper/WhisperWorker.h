@@ -64,6 +64,8 @@ class WhisperWorker {
     Message next(const std::stop_token& stop);
     std::optional<Message> takeWhole();
     void fill(const std::stop_token& stop);
+    /// Whatever came of a read or write that isn't some bytes is an end.
+    void checkMoved(WorkerProcess::Event event, std::size_t count);
     /// Tells it to stop and waits until it has.
     void giveUp();
     [[noreturn]] void failed(const Message& message);

@@ -212,22 +212,21 @@ bool WorkerProcess::isRunning() {
     return !status_;
 }
 
-int WorkerProcess::end() {
-    if (isRunning()) {
-        kill(id_, SIGKILL);
-        int status = 0;
-        while (waitpid(id_, &status, 0) < 0 && errno == EINTR) {
-        }
-        status_ = status;
+void WorkerProcess::end() {
+    if (!isRunning())
+        return;
+    kill(id_, SIGKILL);
+    int status = 0;
+    while (waitpid(id_, &status, 0) < 0 && errno == EINTR) {
     }
-    return *status_;
+    status_ = status;
 }
 
-int WorkerProcess::endOfItself(std::chrono::milliseconds patience) {
+std::optional<int> WorkerProcess::endOfItself(std::chrono::milliseconds patience) {
     // It is about to be gone, and the kernel tells only whoever asks.
     for (const auto deadline = Clock::now() + patience; isRunning() && Clock::now() < deadline;)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    return end();
+    return status_;
 }
 
 }  // namespace korvane

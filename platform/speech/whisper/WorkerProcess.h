@@ -42,10 +42,11 @@ class WorkerProcess {
 
     /// Whether it still runs.
     bool isRunning();
-    /// Ends it now. \return what it ended with, as waitpid tells it.
-    int end();
-    /// What it ended with once it has closed its pipes; ends it if it doesn't end by itself soon.
-    int endOfItself(std::chrono::milliseconds patience);
+    /// Ends it now.
+    void end();
+    /// What it ended with once it has closed its pipes, as waitpid tells it; nothing when it goes on living for
+    /// so long.
+    std::optional<int> endOfItself(std::chrono::milliseconds patience);
 
     pid_t id() const { return id_; }
 

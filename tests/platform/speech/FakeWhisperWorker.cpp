@@ -57,6 +57,11 @@ void misbehave(const std::string& where) {
         raise(SIGKILL);
     if (isTold(where + "-hangs"))
         sleepForever();
+    if (isTold(where + "-closes")) {
+        close(STDOUT_FILENO);
+        close(STDIN_FILENO);
+        sleepForever();
+    }
     if (isTold(where + "-nonsense"))
         say("I am a fish\n");
     if (isTold(where + "-binary"))
