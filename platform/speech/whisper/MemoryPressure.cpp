@@ -1,36 +1,83 @@
 #include "platform/speech/whisper/MemoryPressure.h"
 
+#include <algorithm>
 #include <fstream>
+#include <limits>
 #include <optional>
 #include <string>
 
 namespace korvane {
 namespace {
 
-/// The number behind a name at the beginning of a line, as in "MemTotal:   16384 kB".
-std::optional<double> numberAfter(const std::filesystem::path& file, const std::string& name) {
+namespace fs = std::filesystem;
+
+constexpr double leastShareLeft = 0.1;
+constexpr double mostPercentWaiting = 5.0;
+
+/// What follows a name at the beginning of a line, as in "MemTotal:   16384 kB".
+std::optional<std::string> textAfter(const fs::path& file, const std::string& name) {
     std::ifstream lines(file);
     for (std::string line; std::getline(lines, line);) {
-        if (!line.starts_with(name))
-            continue;
-        try {
-            return std::stod(line.substr(name.size()));
-        } catch (const std::exception&) {
-            return std::nullopt;
-        }
+        if (line.starts_with(name))
+            return line.substr(name.size());
     }
     return std::nullopt;
 }
 
-}  // namespace
+std::optional<double> numberAfter(const fs::path& file, const std::string& name) {
+    const auto text = textAfter(file, name);
+    if (!text)
+        return std::nullopt;
+    try {
+        return std::stod(*text);
+    } catch (const std::exception&) {
+        return std::nullopt;  // such as "max": there is no limit
+    }
+}
 
-bool memoryIsShort(const std::filesystem::path& proc) {
+bool programsWait(const fs::path& pressure) {
+    return numberAfter(pressure, "some avg10=").value_or(0.0) >= mostPercentWaiting;
+}
+
+bool machineIsShort(const fs::path& proc) {
     const auto total = numberAfter(proc / "meminfo", "MemTotal:");
     const auto available = numberAfter(proc / "meminfo", "MemAvailable:");
-    if (total && available && *available < *total / 10)
-        return true;
-    const auto waiting = numberAfter(proc / "pressure" / "memory", "some avg10=");
-    return waiting && *waiting >= 5.0;
+    return (total && available && *available < *total * leastShareLeft) ||
+           programsWait(proc / "pressure" / "memory");
+}
+
+bool groupIsShort(const fs::path& group) {
+    // Above "high" its programs are slowed down, at "max" one of them is ended.
+    constexpr double none = std::numeric_limits<double>::infinity();
+    const double limit = std::min(numberAfter(group / "memory.high", "").value_or(none),
+                                  numberAfter(group / "memory.max", "").value_or(none));
+    const auto charged = numberAfter(group / "memory.current", "");
+    // Files that were read and aren't used any more count too, until somebody needs the room.
+    const double cached = numberAfter(group / "memory.stat", "inactive_file ").value_or(0.0);
+    const bool isFull = charged && limit - (*charged - cached) < limit * leastShareLeft;
+    return isFull || programsWait(group / "memory.pressure");
+}
+
+/// The groups from the process's own up to the mounted one: each may have a limit, and the tightest counts.
+bool anyGroupIsShort(const fs::path& proc, const fs::path& groups) {
+    const auto own = textAfter(proc / "self" / "cgroup", "0::/");
+    if (!own)
+        return false;
+    auto path = fs::path(*own).lexically_normal();
+    // Outside of what this container may see, where the mounted one is all that concerns it.
+    if (path.begin() != path.end() && *path.begin() == "..")
+        path.clear();
+    for (; !path.empty() && path != "."; path = path.parent_path()) {
+        if (groupIsShort(groups / path))
+            return true;
+    }
+    return groupIsShort(groups);
+}
+
+}  // namespace
+
+bool memoryIsShort(const fs::path& proc, const fs::path& groups) {
+    return machineIsShort(proc) || anyGroupIsShort(proc, groups);
 }
 
 }  // namespace korvane

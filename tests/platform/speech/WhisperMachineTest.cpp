@@ -12,28 +12,106 @@
 namespace korvane {
 namespace {
 
-TEST(MemoryPressure, memoryIsShortWhenLessThanATenthIsLeft) {
-    const TemporaryFolder proc;
-    proc.file("meminfo", "MemTotal:       16000 kB\nMemFree: 1 kB\nMemAvailable:    1700 kB\n");
-    EXPECT_FALSE(memoryIsShort(proc.path()));
-    proc.file("meminfo", "MemTotal:       16000 kB\nMemFree: 1 kB\nMemAvailable:    1500 kB\n");
-    EXPECT_TRUE(memoryIsShort(proc.path()));
+/// What a kernel would say, in a folder: of the machine, and of control groups.
+class MemoryPressureTest : public testing::Test {
+  protected:
+    bool isShort() const { return memoryIsShort(folder.path() / "proc", folder.path() / "groups"); }
+    void machine(const std::string& name, const std::string& text) const {
+        folder.file("proc/" + name, text);
+    }
+    void group(const std::string& name, const std::string& text) const {
+        folder.file("groups/" + name, text + '\n');
+    }
+    const TemporaryFolder folder;
+};
+
+TEST_F(MemoryPressureTest, memoryIsShortWhenLessThanATenthIsLeft) {
+    machine("meminfo", "MemTotal:       16000 kB\nMemFree: 1 kB\nMemAvailable:    1700 kB\n");
+    EXPECT_FALSE(isShort());
+    machine("meminfo", "MemTotal:       16000 kB\nMemFree: 1 kB\nMemAvailable:    1500 kB\n");
+    EXPECT_TRUE(isShort());
 }
 
-TEST(MemoryPressure, memoryIsShortWhenProgramsWaitForIt) {
-    const TemporaryFolder proc;
-    proc.file("pressure/memory", "some avg10=0.50 avg60=9.00 avg300=0.00 total=1\nfull avg10=9.00 avg60=0\n");
-    EXPECT_FALSE(memoryIsShort(proc.path()));
-    proc.file("pressure/memory",
-              "some avg10=12.25 avg60=0.00 avg300=0.00 total=1\nfull avg10=0.00 avg60=0\n");
-    EXPECT_TRUE(memoryIsShort(proc.path()));
+TEST_F(MemoryPressureTest, memoryIsShortWhenProgramsWaitForIt) {
+    machine("pressure/memory", "some avg10=0.50 avg60=9.00 avg300=0.00 total=1\nfull avg10=9.00 avg60=0\n");
+    EXPECT_FALSE(isShort());
+    machine("pressure/memory",
+            "some avg10=12.25 avg60=0.00 avg300=0.00 total=1\nfull avg10=0.00 avg60=0\n");
+    EXPECT_TRUE(isShort());
 }
 
-TEST(MemoryPressure, whatCannotBeReadSaysNothing) {
-    const TemporaryFolder proc;
-    EXPECT_FALSE(memoryIsShort(proc.path()));
-    proc.file("meminfo", "MemTotal: many\nMemAvailable: 1 kB\n");
-    EXPECT_FALSE(memoryIsShort(proc.path()));
+TEST_F(MemoryPressureTest, whatCannotBeReadSaysNothing) {
+    EXPECT_FALSE(isShort());
+    machine("meminfo", "MemTotal: many\nMemAvailable: 1 kB\n");
+    EXPECT_FALSE(isShort());
+    machine("self/cgroup", "0::/a\n");
+    group("a/memory.max", "much");
+    group("a/memory.current", "1000");
+    EXPECT_FALSE(isShort());
+}
+
+TEST_F(MemoryPressureTest, aContainersLimitCountsWhateverTheMachineHas) {
+    machine("meminfo", "MemTotal: 16000 kB\nMemAvailable: 15000 kB\n");
+    machine("self/cgroup", "0::/\n");
+    group("memory.max", "2000000000");
+    group("memory.current", "1700000000");
+    EXPECT_FALSE(isShort());
+    group("memory.current", "1900000000");
+    EXPECT_TRUE(isShort());
+}
+
+TEST_F(MemoryPressureTest, filesThatWereReadAreGivenUpFirst) {
+    machine("self/cgroup", "0::/\n");
+    group("memory.max", "2000000000");
+    group("memory.current", "1999000000");
+    group("memory.stat", "anon 500000000\nfile 1499000000\ninactive_anon 1\ninactive_file 1400000000");
+    EXPECT_FALSE(isShort());
+    group("memory.stat", "anon 1900000000\nfile 99000000\ninactive_anon 1\ninactive_file 50000000");
+    EXPECT_TRUE(isShort());
+}
+
+TEST_F(MemoryPressureTest, theLimitAtWhichProgramsAreSlowedDownCountsToo) {
+    machine("self/cgroup", "0::/app.slice/korvane.scope\n");
+    group("app.slice/korvane.scope/memory.max", "max");
+    group("app.slice/korvane.scope/memory.high", "1000000000");
+    group("app.slice/korvane.scope/memory.current", "500000000");
+    EXPECT_FALSE(isShort());
+    group("app.slice/korvane.scope/memory.current", "950000000");
+    EXPECT_TRUE(isShort());
+}
+
+TEST_F(MemoryPressureTest, everyGroupAboveTheOwnCounts) {
+    machine("self/cgroup", "4:memory:/elsewhere\n0::/a/b/c\n");
+    for (const char* above : {"a/b/c/", "a/b/", "a/", ""}) {
+        const std::string prefix = above;
+        group(prefix + "memory.max", "1000000");
+        group(prefix + "memory.current", "980000");
+        EXPECT_TRUE(isShort()) << prefix;
+        group(prefix + "memory.current", "1000");
+        EXPECT_FALSE(isShort()) << prefix;
+    }
+    group("elsewhere/memory.max", "1000000");
+    group("elsewhere/memory.current", "1000000");
+    EXPECT_FALSE(isShort());
+}
+
+TEST_F(MemoryPressureTest, memoryIsShortWhenProgramsOfTheGroupWaitForIt) {
+    machine("self/cgroup", "0::/a\n");
+    group("a/memory.pressure", "some avg10=4.00 avg60=0.00 avg300=0.00 total=1");
+    EXPECT_FALSE(isShort());
+    group("a/memory.pressure", "some avg10=6.00 avg60=0.00 avg300=0.00 total=1");
+    EXPECT_TRUE(isShort());
+}
+
+TEST_F(MemoryPressureTest, aGroupThatTheContainerCannotSeeIsLookedForNowhereElse) {
+    // As a process sees itself that was moved out of what its container calls the root.
+    machine("self/cgroup", "0::/../outside\n");
+    folder.file("outside/memory.max", "1000\n");
+    folder.file("outside/memory.current", "1000\n");
+    EXPECT_FALSE(isShort());
+    group("memory.max", "1000");
+    group("memory.current", "1000");
+    EXPECT_TRUE(isShort());
 }
 
 TEST(PhysicalCores, threadsOfOneCoreCountOnce) {
