@@ -80,7 +80,10 @@ class Stage {
         frame_.setWindow(window.get());
         view->styleEditor()->prefetchFonts();
     }
-    ~Stage() { window.reset(); }
+    ~Stage() {
+        window.reset();
+        view.reset();  // what still runs ends here, while what it uses is there
+    }
 
     void load(const char* name = "how a talk becomes a reel.mp4") {
         const auto file = folder_.path() / name;
