@@ -7,6 +7,7 @@
 #include "platform/speech/whisper/MemoryPressure.h"
 #include "platform/speech/whisper/PhysicalCores.h"
 #include "platform/speech/whisper/WhisperProgram.h"
+#include "platform/speech/whisper/worker/Rest.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace korvane {
@@ -125,6 +126,17 @@ TEST(PhysicalCores, threadsOfOneCoreCountOnce) {
         if (CPU_ISSET(cpu, &usable))
             cpus.file("cpu" + std::to_string(cpu) + "/topology/thread_siblings_list", "0-511\n");
     EXPECT_EQ(physicalCores(cpus.path()), 1);
+}
+
+TEST(WhisperRest, whatCannotBeAlignedIsNeverLeftToTheLibraryAndHardlyMore) {
+    for (std::int64_t length = 1; length <= 3000; ++length) {
+        for (std::int64_t begin = 0; begin < length; ++begin) {
+            const auto left = length - begin;
+            const bool may = whisper::canBeAligned(100 * begin / length, length);
+            ASSERT_TRUE(!may || left >= whisper::shortestAligned) << begin << " of " << length;
+            ASSERT_TRUE(may || left < whisper::shortestAligned + length / 100 + 1) << begin << " of " << length;
+        }
+    }
 }
 
 class WhisperProgramTest : public testing::Test {

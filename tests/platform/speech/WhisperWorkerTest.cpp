@@ -91,6 +91,30 @@ TEST_F(WhisperWorkerTest, oneRequestDoesNotDependOnTheOneBefore) {
         EXPECT_EQ(first[0].tokens[i].aligned, again[0].tokens[i].aligned);
 }
 
+TEST_F(WhisperWorkerTest, aRequestDoesNotDependOnWhetherSomebodySpokeInTheOneBefore) {
+    // By the scores that were left from there the library would drop what an unsure model says, go on behind
+    // it, 0.15 s before the end, and end its process: nothing so short can be aligned.
+    ScriptedModel unsure{{{" One", 92, true}}};
+    unsure.confidence = 0.25;
+    unsure.noSpeechProbability = 0.95;
+    const auto whisper = worker(model(unsure));
+    const auto first = whisper->recognize(hum(2.0), "en", {});
+    const auto second = whisper->recognize(hum(2.0), "en", {});
+    EXPECT_EQ(first.size(), 1U);
+    EXPECT_EQ(second.size(), 1U);
+}
+
+TEST_F(WhisperWorkerTest, aModelThatIsCaughtInALoopBehindAnEarlyTimeStampEndsNothing) {
+    // The library takes what it has for the sound up to that time stamp: too short to align.
+    ScriptedModel loop{{{" Ha", 20}}};
+    loop.openingFrame = 2;
+    loop.neverEnds = true;
+    loop.textContext = 32;
+    const auto whisper = worker(model(loop));
+    EXPECT_NO_THROW(whisper->recognize(hum(2.0), "en", {}));
+    EXPECT_TRUE(whisper->isUsable());
+}
+
 TEST_F(WhisperWorkerTest, aLanguageThatTheLibraryDoesNotKnowIsAnErrorThatTheWorkerSurvives) {
     const auto whisper = worker(model(hello));
     EXPECT_THROW(whisper->recognize(hum(1.0), "klingonese", {}), RecognitionError);

@@ -14,6 +14,7 @@
 #include "platform/models/ModelError.h"
 #include "platform/models/WhisperModelFile.h"
 #include "platform/speech/whisper/WhisperProtocol.h"
+#include "platform/speech/whisper/worker/Rest.h"
 
 namespace korvane::whisper {
 namespace {
@@ -81,38 +82,52 @@ whisper_context_params settingsFor(const std::string& path) {
 struct Callbacks {
     const std::function<bool()>& isStopped;
     Listener& listener;
-    std::int64_t hundredths;  ///< of a second, the sound's length
-    int segmentsBefore = 0;   ///< those of the windows before the last
+    int percent = 0;         ///< of the way, where the pass begins
+    int segmentsBefore = 0;  ///< those of the passes before the last
 };
 
-/// The library goes back to the last pair of time stamps and listens to what is left as to another window.
-/// What is shorter than this is only the quiet behind the voice; and a window below 0.16 s ends the process:
-/// the alignment's filter is longer than that.
+/// Behind the last time stamp, what is shorter than this is only the quiet behind the voice. In hundredths of
+/// a second.
 constexpr std::int64_t shortestRest = 35;
-constexpr int shortestTimestamp = 9;  // in steps of 20 ms, for the same reason
+/// In steps of 20 ms. The library may take an earlier time stamp for the end of the pass, which then can't be
+/// aligned; even the opening one, of a model that is caught in a loop behind it.
+constexpr int shortestTimestamp = 9;
 
 bool onAbort(void* data) {
     const auto& callbacks = *static_cast<Callbacks*>(data);
     return callbacks.isStopped();
 }
 
+void onProgress(whisper_context*, whisper_state*, int percent, void* data) {
+    static_cast<Callbacks*>(data)->percent = percent;
+}
+
+/// Whether what is left for this pass is worth listening to, and nothing that ends the process.
+bool isEnoughLeft(whisper_state* state, const Callbacks& callbacks) {
+    const std::int64_t length = whisper_n_len_from_state(state);
+    const int count = whisper_full_n_segments_from_state(state);
+    // The last segment tells exactly where the pass before has ended, if it is of that one: it may have heard
+    // nothing.
+    if (count > callbacks.segmentsBefore)
+        return length - whisper_full_get_segment_t1_from_state(state, count - 1) >= shortestRest;
+    return canBeAligned(callbacks.percent, length);
+}
+
 bool onEncoderBegin(whisper_context*, whisper_state* state, void* data) {
     auto& callbacks = *static_cast<Callbacks*>(data);
     callbacks.listener.alive();
-    const int count = whisper_full_n_segments_from_state(state);
-    if (count > 0 &&
-        callbacks.hundredths - whisper_full_get_segment_t1_from_state(state, count - 1) < shortestRest)
+    if (!isEnoughLeft(state, callbacks))
         return false;
-    callbacks.segmentsBefore = count;
+    callbacks.segmentsBefore = whisper_full_n_segments_from_state(state);
     return !callbacks.isStopped();
 }
 
 // Called for every token of every try: the nearest thing to a pulse.
-void onLogits(whisper_context* context, whisper_state*, const whisper_token_data*, int said, float* logits,
+void onLogits(whisper_context* context, whisper_state*, const whisper_token_data*, int, float* logits,
               void* data) {
     static_cast<Callbacks*>(data)->listener.alive();
     const auto beginning = whisper_token_beg(context);
-    for (auto stamp = beginning + 1; said > 0 && stamp < beginning + shortestTimestamp; ++stamp)
+    for (auto stamp = beginning + 1; stamp < beginning + shortestTimestamp; ++stamp)
         logits[stamp] = -std::numeric_limits<float>::infinity();
 }
 
@@ -181,20 +196,23 @@ bool Model::recognise(const std::vector<float>& samples, const std::string& lang
     auto* const context = library_->context;
     if (whisper_lang_id(language.c_str()) < 0 || (!whisper_is_multilingual(context) && language != "en"))
         throw Failure(failure::language, "It doesn't know the language '" + language + "'.");
-    Callbacks callbacks{isStopped, listener,
-                        static_cast<std::int64_t>(samples.size()) * 100 / WHISPER_SAMPLE_RATE};
+    Callbacks callbacks{isStopped, listener};
     auto settings = whisper_full_default_params(WHISPER_SAMPLING_GREEDY);
     settings.n_threads = library_->threads;
     settings.language = language.c_str();
     settings.no_context = true;    // what a request gives must not depend on the one before
     settings.suppress_nst = true;  // no notes of music, no speaker's names
+    // The library's own judgement of silence looks at scores that are left over from the request before: it
+    // would drop a pass, or not try again, for what was heard there. Ours is chanceOfSilence.
+    settings.no_speech_thold = std::numeric_limits<float>::infinity();
     settings.print_progress = settings.print_realtime = settings.print_timestamps = settings.print_special =
         false;
     settings.abort_callback = onAbort;
+    settings.progress_callback = onProgress;
     settings.encoder_begin_callback = onEncoderBegin;
     settings.logits_filter_callback = onLogits;
-    settings.abort_callback_user_data = settings.encoder_begin_callback_user_data =
-        settings.logits_filter_callback_user_data = &callbacks;
+    settings.abort_callback_user_data = settings.progress_callback_user_data =
+        settings.encoder_begin_callback_user_data = settings.logits_filter_callback_user_data = &callbacks;
 
     complaint.clear();
     const int result = whisper_full(context, settings, samples.data(), static_cast<int>(samples.size()));
