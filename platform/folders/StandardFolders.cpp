@@ -13,6 +13,17 @@ std::filesystem::path absoluteOr(const std::optional<std::string>& named, std::f
     return fallback;
 }
 
+/// The absolute ones of a list as in "/a:/b".
+std::vector<std::filesystem::path> foldersIn(const std::optional<std::string>& named, const char* fallback) {
+    std::vector<std::filesystem::path> folders;
+    std::istringstream list(named && !named->empty() ? *named : fallback);
+    for (std::string folder; std::getline(list, folder, ':');) {
+        if (std::filesystem::path(folder).is_absolute())
+            folders.emplace_back(folder);
+    }
+    return folders;
+}
+
 }  // namespace
 
 Environment processEnvironment() {
@@ -28,12 +39,8 @@ StandardFolders StandardFolders::of(const Environment& environment) {
     folders.configHome = absoluteOr(environment("XDG_CONFIG_HOME"), home.empty() ? home : home / ".config");
     folders.dataHome =
         absoluteOr(environment("XDG_DATA_HOME"), home.empty() ? home : home / ".local" / "share");
-    const auto named = environment("XDG_DATA_DIRS");
-    std::istringstream list(named && !named->empty() ? *named : "/usr/local/share:/usr/share");
-    for (std::string folder; std::getline(list, folder, ':');) {
-        if (std::filesystem::path(folder).is_absolute())
-            folders.dataDirs.emplace_back(folder);
-    }
+    folders.dataDirs = foldersIn(environment("XDG_DATA_DIRS"), "/usr/local/share:/usr/share");
+    folders.configDirs = foldersIn(environment("XDG_CONFIG_DIRS"), "/etc/xdg");
     return folders;
 }
 

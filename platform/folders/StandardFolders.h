@@ -19,7 +19,9 @@ Environment processEnvironment();
 struct StandardFolders {
     std::filesystem::path configHome;
     std::filesystem::path dataHome;
-    std::vector<std::filesystem::path> dataDirs;  ///< the system's, in order of preference
+    std::vector<std::filesystem::path> dataDirs;    ///< the system's, in order of preference
+    std::vector<std::filesystem::path> configDirs;  ///< the system's, in order of preference
+    /// Where an administrator forbids things: not among configDirs, which a person's environment may change.
     std::filesystem::path systemConfig = "/etc";
 
     static StandardFolders of(const Environment& environment);

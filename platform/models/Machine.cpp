@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "platform/models/MultiplyBenchmark.h"
 
@@ -21,6 +22,7 @@ constexpr double mostUsefulCores = 16;
 // Below this a person waits longer than half of what was said.
 constexpr double comfortableSpeed = 2;
 
+/// Those that this process was not kept away from.
 int usableCores() {
     cpu_set_t set;
     if (sched_getaffinity(0, sizeof(set), &set) == 0)
@@ -28,22 +30,36 @@ int usableCores() {
     return static_cast<int>(std::max(sysconf(_SC_NPROCESSORS_ONLN), 1L));
 }
 
-}  // namespace
-
-std::uint64_t Machine::installedMemoryBytes() {
+std::uint64_t installedMemoryBytes() {
     const auto pages = sysconf(_SC_PHYS_PAGES);
     const auto size = sysconf(_SC_PAGESIZE);
     return pages > 0 && size > 0 ? static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(size) : 0;
 }
 
+std::uint64_t withinLimit(const ResourceLimits& limits, std::uint64_t memoryBytes) {
+    return std::min(memoryBytes, limits.memoryBytes.value_or(memoryBytes));
+}
+
+}  // namespace
+
+Machine Machine::within(const ResourceLimits& limits, int cores, std::uint64_t memoryBytes,
+                        const std::function<double(int threads)>& measure) {
+    const double processors = std::min<double>(cores, limits.processors.value_or(cores));
+    Machine machine;
+    machine.cores = static_cast<int>(std::ceil(processors));
+    machine.memoryBytes = withinLimit(limits, memoryBytes);
+    // The measurement is over before a limit on time begins to be felt.
+    machine.operationsPerSecond = measure(machine.cores) * processors / machine.cores;
+    return machine;
+}
+
+std::uint64_t Machine::usableMemoryBytes() {
+    return withinLimit(controlGroupLimits(), installedMemoryBytes());
+}
+
 const Machine& Machine::here() {
-    static const Machine machine = [] {
-        Machine found;
-        found.cores = usableCores();
-        found.memoryBytes = installedMemoryBytes();
-        found.operationsPerSecond = measureMultiplications(found.cores);
-        return found;
-    }();
+    static const Machine machine =
+        within(controlGroupLimits(), usableCores(), installedMemoryBytes(), measureMultiplications);
     return machine;
 }
 

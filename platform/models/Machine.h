@@ -2,20 +2,26 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
+#include "platform/models/ControlGroup.h"
 #include "platform/models/SpeechModel.h"
 #include "platform/models/SpeechModelCatalogue.h"
 
 namespace korvane {
 
+/// What of it this process may use: in a container or a service it may be less than there is.
 struct Machine {
-    int cores = 1;                   ///< that this process may use
+    int cores = 1;
     std::uint64_t memoryBytes = 0;   ///< altogether, what is in use included
     double operationsPerSecond = 0;  ///< multiplications and additions of all cores together, as measured
 
-    /// All the memory of this machine. Any thread; at once.
-    static std::uint64_t installedMemoryBytes();
+    /// \param measure  how many operations in a second so many threads make together.
+    static Machine within(const ResourceLimits& limits, int cores, std::uint64_t memoryBytes,
+                          const std::function<double(int threads)>& measure);
+    /// The memory that this process may use. Any thread; at once.
+    static std::uint64_t usableMemoryBytes();
     /// This machine, measured when it is first asked for: that takes some 30 ms on all cores. Any thread.
     static const Machine& here();
 };

@@ -9,7 +9,7 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <random>
 #include <vector>
 
 #include "platform/models/Digest.h"
@@ -41,14 +41,7 @@ class Newcomer {
   public:
     explicit Newcomer(const fs::path& folder) {
         do {
-            name_ = (folder / newcomerPrefix).string() + "XXXXXX";
-            handle_ = FileHandle(::mkostemp(name_.data(), O_CLOEXEC));
-            if (!handle_) {
-                const int reason = errno;
-                name_.clear();
-                throw ModelError("Nothing can be written in the folder \"" + folder.string() +
-                                 "\": " + systemReason(reason) + ".");
-            }
+            create(folder);
             ::flock(handle_.get(), LOCK_EX);
         } while (wasSwept());
     }
@@ -63,10 +56,6 @@ class Newcomer {
     fs::path path() const { return name_; }
 
     void moveTo(const fs::path& destination) {
-        // As readable as what else the person writes; a system's folder may be filled this way too.
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        ::fchmod(handle_.get(), 0666 & ~mask);
         if (::fsync(handle_.get()) != 0 || std::rename(name_.c_str(), destination.c_str()) != 0)
             throw ModelError("\"" + destination.string() + "\" can't be written: " + systemReason(errno) +
                              ".");
@@ -74,6 +63,22 @@ class Newcomer {
     }
 
   private:
+    /// As readable as what else the person writes, since a system's folder may be filled this way too: the
+    /// kernel takes off what the person's mask says. The mask itself can't be asked for without changing it
+    /// for a moment, in which another thread's file would be open to all.
+    void create(const fs::path& folder) {
+        std::random_device random;
+        do {
+            name_ = (folder / newcomerPrefix).string() + std::to_string(random());
+            handle_ = FileHandle(::open(name_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        } while (!handle_ && errno == EEXIST);
+        if (handle_)
+            return;
+        const int reason = errno;
+        name_.clear();
+        throw ModelError("Nothing can be written in the folder \"" + folder.string() +
+                         "\": " + systemReason(reason) + ".");
+    }
     /// By another program, in the moment before it was locked.
     bool wasSwept() const {
         struct stat info {};

@@ -154,10 +154,10 @@ std::optional<std::string> contentOf(const fs::path& file) {
 
 std::vector<fs::path> listFiles(const StandardFolders& folders) {
     std::vector<fs::path> files;
-    for (const auto& folder : {folders.configHome, folders.systemConfig / "xdg"}) {
-        if (!folder.empty())
-            files.push_back(folder / "korvane" / listName);
-    }
+    if (!folders.configHome.empty())
+        files.push_back(folders.configHome / "korvane" / listName);
+    for (const auto& folder : folders.configDirs)
+        files.push_back(folder / "korvane" / listName);
     return files;
 }
 

@@ -16,8 +16,8 @@ namespace korvane {
 class SpeechModelCatalogue {
   public:
     /// The list of the first of these that is there and whole: speech-models.json in the folder "korvane" of
-    /// the person's configuration, then of the system's (/etc/xdg), then the one that is built in. A damaged
-    /// list is passed over and named by problem(). Reads files; never throws for what is in them.
+    /// the person's configuration, then of the system's (XDG_CONFIG_DIRS), then the one that is built in. A
+    /// damaged list is passed over and named by problem(). Reads files; never throws for what is in them.
     static SpeechModelCatalogue load(const StandardFolders& folders);
 
     static SpeechModelCatalogue builtIn();

@@ -3,6 +3,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <map>
 #include <set>
 #include <system_error>
 
@@ -37,23 +38,21 @@ std::vector<fs::path> modelFiles(const fs::path& folder) {
     return files;
 }
 
-/// Of a file that the catalogue doesn't know. The id of a listed model is only for the file of its name.
+const SpeechModel* listedAs(const SpeechModelCatalogue& catalogue, const fs::path& file) {
+    const auto& models = catalogue.known();
+    const auto found = std::find_if(models.begin(), models.end(),
+                                    [&](const auto& model) { return file.filename() == model.fileName; });
+    return found == models.end() ? nullptr : &*found;
+}
+
+/// The id of a listed model is only for the file of its name.
 std::string idOfFile(const SpeechModelCatalogue& catalogue, const fs::path& file) {
+    if (const auto* listed = listedAs(catalogue, file))
+        return listed->id;
     std::string id = file.stem().string();
     if (id.starts_with("ggml-") && id.size() > 5)
         id.erase(0, 5);
-    const auto* listed = catalogue.find(id);
-    return listed && file.filename() != listed->fileName ? file.filename().string() : id;
-}
-
-/// A file of a known name and length was checked by its digest when it came, or put there by an
-/// administrator; hashing a gigabyte each time the list is shown would take seconds.
-const SpeechModel* knownAs(const SpeechModelCatalogue& catalogue, const fs::path& file, std::uint64_t bytes) {
-    for (const auto& model : catalogue.known()) {
-        if (model.bytes == bytes && file.filename() == model.fileName)
-            return &model;
-    }
-    return nullptr;
+    return catalogue.find(id) ? file.filename().string() : id;
 }
 
 /// \throws ModelError
@@ -66,60 +65,117 @@ InstalledSpeechModel describe(const SpeechModelCatalogue& catalogue, const fs::p
     model.file = file;
     model.bytes = shape.fileBytes;
     model.own = own;
-    if (const auto* known = knownAs(catalogue, file, shape.fileBytes)) {
-        model.id = known->id;
+    model.id = idOfFile(catalogue, file);
+    // A file of a known name and length was checked by its digest when it came, or put there by an
+    // administrator; hashing a gigabyte each time the list is shown would take seconds.
+    if (const auto* known = listedAs(catalogue, file); known && known->bytes == shape.fileBytes) {
         model.name = known->name;
         model.memoryBytes = known->memoryBytes;
         model.operationsPerSecond = known->operationsPerSecond;
         return model;
     }
-    model.id = idOfFile(catalogue, file);
     model.name = "Whisper " + model.id;
     model.memoryBytes = shape.memoryBytes();
     model.operationsPerSecond = shape.operationsPerSecond();
     return model;
 }
 
-struct Survey {
+UnusableModelFile describeUnusable(const SpeechModelCatalogue& catalogue, const fs::path& file, bool own,
+                                   std::string reason) {
+    const auto* listed = listedAs(catalogue, file);
+    return {idOfFile(catalogue, file),
+            listed ? listed->name : file.filename().string(),
+            file,
+            std::move(reason),
+            listed != nullptr,
+            own};
+}
+
+/// All files of all folders, and no id twice.
+class Survey {
+  public:
+    Survey(const SpeechModelCatalogue& catalogue, const StandardFolders& folders) : catalogue_(catalogue) {
+        visit(folders.dataHome, true);
+        for (const auto& folder : folders.dataDirs)
+            visit(folder, false);
+        std::stable_sort(usable.begin(), usable.end(), [](const auto& a, const auto& b) {
+            return std::pair(a.operationsPerSecond, a.bytes) < std::pair(b.operationsPerSecond, b.bytes);
+        });
+        std::erase_if(unusable, [this](const auto& file) {
+            return std::any_of(usable.begin(), usable.end(),
+                               [&](const auto& model) { return model.id == file.id; });
+        });
+    }
+
     std::vector<InstalledSpeechModel> usable;
     std::vector<UnusableModelFile> unusable;
+
+  private:
+    void visit(const fs::path& folder, bool own) {
+        if (folder.empty() || !visited_.insert(modelFolder(folder).lexically_normal()).second)
+            return;
+        for (const auto& file : modelFiles(modelFolder(folder)))
+            take(file, own);
+    }
+
+    void take(const fs::path& file, bool own) {
+        if (std::any_of(usable.begin(), usable.end(),
+                        [&](const auto& model) { return model.file.filename() == file.filename(); }))
+            return;
+        try {
+            usable.push_back(describe(catalogue_, file, own));
+            makeUnique(usable.back().id, file);
+        } catch (const ModelError& error) {
+            unusable.push_back(describeUnusable(catalogue_, file, own, error.what()));
+            makeUnique(unusable.back().id, file);
+        }
+    }
+
+    /// "x.bin" and "ggml-x.bin" are two models: the one that comes second goes by its whole name.
+    void makeUnique(std::string& id, const fs::path& file) {
+        const auto [first, isNew] = fileOfId_.try_emplace(id, file.filename());
+        if (!isNew && first->second != file.filename())
+            id = file.filename().string();
+    }
+
+    const SpeechModelCatalogue& catalogue_;
+    std::set<fs::path> visited_;
+    std::map<std::string, fs::path> fileOfId_;
 };
 
-Survey survey(const SpeechModelCatalogue& catalogue, const StandardFolders& folders) {
-    Survey result;
-    std::set<std::string> seen;
-    std::set<fs::path> visited;
-    const auto visit = [&](const fs::path& folder, bool own) {
-        if (folder.empty() || !visited.insert(modelFolder(folder).lexically_normal()).second)
-            return;
-        for (const auto& file : modelFiles(modelFolder(folder))) {
-            try {
-                auto model = describe(catalogue, file, own);
-                if (seen.insert(model.id).second)
-                    result.usable.push_back(std::move(model));
-            } catch (const ModelError& error) {
-                result.unusable.push_back({file, error.what()});
-            }
-        }
-    };
-    visit(folders.dataHome, true);
-    for (const auto& folder : folders.dataDirs)
-        visit(folder, false);
-    std::stable_sort(result.usable.begin(), result.usable.end(), [](const auto& a, const auto& b) {
-        return std::pair(a.operationsPerSecond, a.bytes) < std::pair(b.operationsPerSecond, b.bytes);
-    });
-    return result;
+template <class Entries>
+auto withId(Entries&& entries, std::string_view id)
+    -> std::optional<typename std::decay_t<Entries>::value_type> {
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.id == id; });
+    if (found == entries.end())
+        return std::nullopt;
+    return *found;
 }
 
 FileUserDefaults defaultsOf(const StandardFolders& folders) {
     return FileUserDefaults(QString::fromStdString((folders.configHome / "korvane").string()));
 }
 
-std::string chosenId(const StandardFolders& folders) {
+struct Choice {
+    std::string id;
+    std::string fileName;  ///< tells two files apart of which the id has changed hands
+};
+
+Choice choiceOf(const StandardFolders& folders) {
     if (folders.configHome.empty())
         return {};
     const auto bytes = defaultsOf(folders).data(choiceKey).value_or(QByteArray());
-    return QJsonDocument::fromJson(bytes).object()[QLatin1String("id")].toString().toStdString();
+    const auto object = QJsonDocument::fromJson(bytes).object();
+    return {object[QLatin1String("id")].toString().toStdString(),
+            object[QLatin1String("file")].toString().toStdString()};
+}
+
+void removeFile(const fs::path& file) {
+    std::error_code error;
+    fs::remove(file, error);
+    if (error)
+        throw ModelError("\"" + file.string() + "\" can't be removed: " + error.message() + ".");
 }
 
 }  // namespace
@@ -137,19 +193,19 @@ fs::path SpeechModelStore::folder() const {
 }
 
 std::vector<InstalledSpeechModel> SpeechModelStore::installed() const {
-    return survey(catalogue_, folders_).usable;
+    return Survey(catalogue_, folders_).usable;
 }
 
 std::vector<UnusableModelFile> SpeechModelStore::unusable() const {
-    return survey(catalogue_, folders_).unusable;
+    return Survey(catalogue_, folders_).unusable;
 }
 
 std::optional<InstalledSpeechModel> SpeechModelStore::find(std::string_view id) const {
-    for (auto& model : installed()) {
-        if (model.id == id)
-            return model;
-    }
-    return std::nullopt;
+    return withId(installed(), id);
+}
+
+std::optional<UnusableModelFile> SpeechModelStore::findUnusable(std::string_view id) const {
+    return withId(unusable(), id);
 }
 
 InstalledSpeechModel SpeechModelStore::resolve(const std::string& idOrFile) const {
@@ -158,6 +214,8 @@ InstalledSpeechModel SpeechModelStore::resolve(const std::string& idOrFile) cons
     std::error_code error;
     if (!idOrFile.empty() && fs::exists(idOrFile, error))
         return describe(catalogue_, idOrFile, false);
+    if (const auto file = findUnusable(idOrFile))
+        throw ModelError(file->reason);
     throw ModelError("There is no installed model and no file \"" + idOrFile +
                      "\"; korvane-cli models list shows what there is.");
 }
@@ -165,23 +223,26 @@ InstalledSpeechModel SpeechModelStore::resolve(const std::string& idOrFile) cons
 InstalledSpeechModel SpeechModelStore::add(const fs::path& file, const std::stop_token& stop,
                                            const std::function<void(double)>& progress) const {
     describe(catalogue_, file, false);
-    return describe(catalogue_, importModelFile(file, folder(), catalogue_, stop, progress), true);
+    const auto copy = importModelFile(file, folder(), catalogue_, stop, progress);
+    for (auto& model : installed()) {
+        if (model.file == copy)
+            return model;
+    }
+    return describe(catalogue_, copy, true);  // says what has happened to it since
 }
 
 void SpeechModelStore::remove(std::string_view id) const {
-    const auto own = folder();
-    const auto models = installed();
-    const auto found =
-        std::find_if(models.begin(), models.end(), [&](const auto& model) { return model.id == id; });
-    if (found == models.end())
+    folder();  // says that there is none, which is more than that it holds no such model
+    const Survey all(catalogue_, folders_);
+    const auto model = withId(all.usable, id);
+    const auto unusable = withId(all.unusable, id);
+    if (!model && !unusable)
         throw ModelError("There is no installed model \"" + std::string(id) + "\".");
-    if (!found->own)
+    const fs::path file = model ? model->file : unusable->file;
+    if (!(model ? model->own : unusable->own))
         throw ModelError("The model \"" + std::string(id) + "\" is the system's, in \"" +
-                         found->file.parent_path().string() + "\"; only an administrator can remove it.");
-    std::error_code error;
-    fs::remove(found->file, error);
-    if (error)
-        throw ModelError("\"" + found->file.string() + "\" can't be removed: " + error.message() + ".");
+                         file.parent_path().string() + "\"; only an administrator can remove it.");
+    removeFile(file);
     if (const auto* known = catalogue_.find(id))
         discardPart(*known, *this);
 }
@@ -190,21 +251,29 @@ std::optional<InstalledSpeechModel> SpeechModelStore::inUse() const {
     const auto models = installed();
     if (models.empty())
         return std::nullopt;
-    const auto chosen = chosenId(folders_);
-    const auto found =
-        std::find_if(models.begin(), models.end(), [&](const auto& model) { return model.id == chosen; });
+    const auto chosen = choiceOf(folders_);
+    const auto found = std::find_if(models.begin(), models.end(), [&](const auto& model) {
+        return model.file.filename().string() == chosen.fileName;
+    });
     if (found != models.end())
         return *found;
-    const auto memory = Machine::installedMemoryBytes();
+    if (const auto model = withId(models, chosen.id))
+        return model;
+    const auto memory = Machine::usableMemoryBytes();
     const auto best = std::find_if(models.rbegin(), models.rend(),
                                    [&](const auto& model) { return model.memoryBytes <= memory; });
     return best == models.rend() ? models.front() : *best;
 }
 
 void SpeechModelStore::use(const std::string& id) const {
-    if (!find(id))
-        throw ModelError("There is no installed model \"" + id + "\".");
-    const QJsonObject choice{{QStringLiteral("id"), QString::fromStdString(id)}};
+    const auto model = find(id);
+    if (!model) {
+        const auto file = findUnusable(id);
+        throw ModelError(file ? file->reason : "There is no installed model \"" + id + "\".");
+    }
+    const QJsonObject choice{
+        {QStringLiteral("id"), QString::fromStdString(id)},
+        {QStringLiteral("file"), QString::fromStdString(model->file.filename().string())}};
     if (folders_.configHome.empty() ||
         !defaultsOf(folders_).setData(QJsonDocument(choice).toJson(QJsonDocument::Compact), choiceKey))
         throw ModelError("The choice can't be kept: nothing can be written in \"" +

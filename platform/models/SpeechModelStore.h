@@ -25,10 +25,14 @@ struct InstalledSpeechModel {
     bool own = false;  ///< in the person's folder, so it can be removed
 };
 
-/// A file among the models that can't be used.
+/// A file among the models that can't be used: cut off while it was copied, damaged, for English only.
 struct UnusableModelFile {
+    std::string id;    ///< the catalogue's, else made of the file's name
+    std::string name;  ///< the catalogue's, else the file's
     std::filesystem::path file;
-    std::string reason;  ///< one sentence
+    std::string reason;   ///< one sentence
+    bool listed = false;  ///< in the catalogue under this id, so it can be downloaded again
+    bool own = false;     ///< in the person's folder, so it can be removed
 };
 
 /// A value that holds no state of its own: each call looks at the disk, so that what another window or
@@ -46,14 +50,15 @@ class SpeechModelStore {
     std::filesystem::path folder() const;
 
     /// Whole multilingual models, from the one that takes the least work to the one that takes the most. The
-    /// person's own hides one of the system's with the same id.
+    /// person's own hides one of the system's with the same file name. No two have the same id.
     std::vector<InstalledSpeechModel> installed() const;
-    /// The other model files there, such as one that was cut off while it was copied.
+    /// The other model files there, without those whose id an installed model has.
     std::vector<UnusableModelFile> unusable() const;
     std::optional<InstalledSpeechModel> find(std::string_view id) const;
+    std::optional<UnusableModelFile> findUnusable(std::string_view id) const;
 
     /// What a person means by an installed model's id, else by the name of a model file anywhere.
-    /// \throws ModelError when it is neither.
+    /// \throws ModelError when it is neither, or can't be used.
     InstalledSpeechModel resolve(const std::string& idOrFile) const;
 
     /// Copies a file that the person has into the own folder. A file with a known digest gets its own name
@@ -64,14 +69,15 @@ class SpeechModelStore {
     InstalledSpeechModel add(const std::filesystem::path& file, const std::stop_token& stop = {},
                              const std::function<void(double)>& progress = {}) const;
 
-    /// Removes one of the person's own, and what was begun of a download of it.
+    /// Removes one of the person's own, usable or not, and what was begun of a download of it.
     /// \throws ModelError when there is none, it is the system's, or the folder can't be written to.
     void remove(std::string_view id) const;
 
     /// The model that recognises: the one that was chosen, while it is installed; else the best one that fits
     /// into this machine's memory; none when none is installed.
     std::optional<InstalledSpeechModel> inUse() const;
-    /// Chooses it, for this and later runs. \throws ModelError when it isn't installed or can't be kept.
+    /// Chooses it, for this and later runs. \throws ModelError when it isn't installed, can't be used, or the
+    /// choice can't be kept.
     void use(const std::string& id) const;
 
   private:

@@ -194,6 +194,13 @@ class Exchange {
         const CURLcode code = message ? message->data.result : CURLE_OUT_OF_MEMORY;
         if (code == CURLE_OK)
             return end;
+        long tunnel = 0;
+        curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_CONNECTCODE, &tunnel);
+        if (end.status == 0 && tunnel >= 300) {
+            end.status = static_cast<int>(tunnel);
+            end.ofProxy = true;
+            return end;
+        }
         end.failure = sentence(code, end.status);
         end.hopeless = code == CURLE_PEER_FAILED_VERIFICATION || code == CURLE_SSL_CACERT_BADFILE ||
                        code == CURLE_TOO_MANY_REDIRECTS || code == CURLE_URL_MALFORMAT ||
@@ -213,7 +220,10 @@ class Exchange {
             case CURLE_OPERATION_TIMEDOUT:
                 return server + " doesn't answer any more.";
             case CURLE_PEER_FAILED_VERIFICATION:
-                return server + " can't be trusted: its certificate is not valid here.";
+                return server +
+                       " can't be trusted: its certificate is not valid here; some networks want you to sign "
+                       "in on "
+                       "a web page first.";
             case CURLE_TOO_MANY_REDIRECTS:
                 return server + " sends the request on and on, from one address to the next.";
             case CURLE_UNSUPPORTED_PROTOCOL:

@@ -32,6 +32,7 @@ struct TransferAnswer {
 /// How a request ended that wasn't stopped.
 struct TransferEnd {
     int status = 0;         ///< of the last answer; 0 without one
+    bool ofProxy = false;   ///< the answer is a proxy's, which has made no way to the server
     std::string failure;    ///< one sentence; empty when all that was announced has arrived
     bool hopeless = false;  ///< the same request will fail again
     std::optional<std::chrono::seconds> pause;  ///< that the server asks for

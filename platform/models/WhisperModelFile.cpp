@@ -237,6 +237,10 @@ double WhisperModelShape::operationsPerSecond() const {
     return (encoder + soundKeys + decoder) / 30;
 }
 
+bool beginsLikeAModel(std::span<const std::byte> bytes) {
+    return std::memcmp(bytes.data(), &magic, std::min(bytes.size(), sizeof(magic))) == 0;
+}
+
 WhisperModelShape readWhisperModel(const std::filesystem::path& file) {
     Walk walk(file);
     const auto shape = readShape(walk, file);

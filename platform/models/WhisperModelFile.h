@@ -2,8 +2,10 @@
 // whisper.cpp's converter writes: header, mel filters, vocabulary, and the tensors one behind the other.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <span>
 
 namespace korvane {
 
@@ -26,6 +28,9 @@ struct WhisperModelShape {
     /// Multiplications and additions for a second of speech.
     double operationsPerSecond() const;
 };
+
+/// Whether a file that begins with these bytes can be a model at all. However few, they are the first.
+bool beginsLikeAModel(std::span<const std::byte> bytes);
 
 /// Walks through the whole file without reading the weights; some milliseconds.
 /// \throws ModelError saying what is wrong: no file, no Whisper model, another form of it, cut off, damaged.

@@ -19,7 +19,7 @@ class StoredSpeechModelsTest : public testing::Test {
     StoredSpeechModelsTest() {
         folders.configHome = folder.path() / "config";
         folders.dataHome = folder.path() / "data";
-        folders.systemConfig = folder.path() / "etc";
+        folders.configDirs = {folder.path() / "etc/xdg"};
     }
     void list(std::size_t bytes, const std::string& mirror = "https://x/") {
         folder.file("config/korvane/speech-models.json",

@@ -57,11 +57,12 @@ struct Configuration {
     StandardFolders folders = [this] {
         StandardFolders made;
         made.configHome = folder.path() / "config";
-        made.systemConfig = folder.path() / "etc";
+        made.configDirs = {folder.path() / "firm", folder.path() / "etc/xdg"};
         return made;
     }();
     void person(const std::string& json) { folder.file("config/korvane/speech-models.json", json); }
     void administrator(const std::string& json) { folder.file("etc/xdg/korvane/speech-models.json", json); }
+    void firm(const std::string& json) { folder.file("firm/korvane/speech-models.json", json); }
     SpeechModelCatalogue load() const { return SpeechModelCatalogue::load(folders); }
 };
 
@@ -113,6 +114,16 @@ TEST(SpeechModelCatalogue, theAdministratorsListComesSecond) {
     Configuration configuration;
     configuration.administrator(oneModel);
     EXPECT_EQ(configuration.load().known()[0].id, "a");
+}
+
+TEST(SpeechModelCatalogue, systemsConfigurationsCountInTheirOrder) {
+    Configuration configuration;
+    configuration.firm(R"({"mirror": "https://firm.example"})");
+    configuration.administrator(oneModel);
+    EXPECT_EQ(configuration.load().find("tiny-q8_0")->address, "https://firm.example/ggml-tiny-q8_0.bin");
+    configuration.firm("{");
+    EXPECT_EQ(configuration.load().known()[0].id, "a");
+    EXPECT_THAT(configuration.load().problem(), HasSubstr("firm/korvane/speech-models.json"));
 }
 
 TEST(SpeechModelCatalogue, aMirrorAloneKeepsTheBuiltInModelsAndTheirDigests) {

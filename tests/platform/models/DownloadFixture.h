@@ -62,7 +62,7 @@ class DownloadFixture : public testing::Test {
         StandardFolders folders;
         folders.configHome = root / "config";
         folders.dataHome = root / "data";
-        folders.systemConfig = root / "etc";
+        folders.configDirs = {root / "etc/xdg"};
         return folders;
     }
 

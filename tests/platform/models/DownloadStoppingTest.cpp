@@ -138,7 +138,7 @@ TEST_F(DownloadStopping, whileItWaitsForTheNextAttempt) {
 TEST_F(DownloadStopping, whileEverythingComesFast) {
     auto model = modelAt("");
     model.bytes = 200 << 20;
-    const std::string piece(1 << 20, 'x');
+    const std::string piece = "lmgg" + std::string(1 << 20, 'x');
     TestServer server([&](const Received&, Peer& peer) {
         peer.send(head("200 OK", "Content-Length: " + std::to_string(model.bytes) + "\r\n"));
         while (peer.send(piece)) {

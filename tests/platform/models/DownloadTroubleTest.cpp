@@ -106,7 +106,7 @@ TEST_F(DownloadTrouble, anAnswerWithoutLengthThatEndsEarlyGoesOn) {
 TEST_F(DownloadTrouble, anAnswerWithoutLengthThatNeverEndsIsCutShort) {
     TestServer server([&](const Received&, Peer& peer) {
         peer.send(head("200 OK"));
-        while (peer.send(std::string(65536, 'x'))) {
+        while (peer.send(content)) {
         }
     });
     EXPECT_THAT(failure(modelAt(server.address("a.bin"))), HasSubstr("doesn't end where it should"));
@@ -130,6 +130,34 @@ TEST_F(DownloadTrouble, aWebPageIsNotAModel) {
     folder.file(part, content.substr(0, half));
     EXPECT_THAT(failure(modelAt(server.address("a.bin"))), HasSubstr("web page"));
     EXPECT_EQ(contentOf(part), content.substr(0, half));
+}
+
+TEST_F(DownloadTrouble, aWebPageThatDoesNotSaySoIsNotAModelEither) {
+    TestServer server([&](const Received&, Peer& peer) {
+        peer.send(head("200 OK") + "\n<!DOCTYPE html><title>Sign in, please</title>");
+    });
+    folder.file(part, content.substr(0, half));
+    EXPECT_THAT(failure(modelAt(server.address("a.bin"))), HasSubstr("web page"));
+    EXPECT_EQ(server.requests(), 1);
+    EXPECT_TRUE(contentOf(part) == content.substr(0, half)) << "what had arrived is lost";
+}
+
+TEST_F(DownloadTrouble, whatBeginsLikeNoModelIsRefusedAtOnce) {
+    TestServer server([&](const Received&, Peer& peer) {
+        peer.send(head("200 OK", lengthLine(content.size())) + std::string(half, 'x'));
+        peer.waitForTheEnd();
+    });
+    folder.file(part, content.substr(0, half));
+    EXPECT_THAT(failure(modelAt(server.address("a.bin"))), HasSubstr("sent something else than a model"));
+    EXPECT_TRUE(contentOf(part) == content.substr(0, half)) << "what had arrived is lost";
+}
+
+TEST_F(DownloadTrouble, aNetworkThatWantsASignInIsNamed) {
+    TestServer server([&](const Received&, Peer& peer) {
+        peer.send(head("511 Network Authentication Required", "Content-Type: text/html\r\n") + "<html>");
+    });
+    EXPECT_THAT(failure(modelAt(server.address("a.bin"))), HasSubstr("sign in"));
+    EXPECT_EQ(server.requests(), 1);
 }
 
 TEST_F(DownloadTrouble, whatWillNotPassIsNotAskedForAgain) {

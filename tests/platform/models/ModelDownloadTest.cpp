@@ -55,9 +55,11 @@ TEST_F(ModelDownload, whatIsThereIsNotFetchedAgain) {
 
 TEST_F(ModelDownload, aDamagedFileOfItsNameIsReplaced) {
     TestServer server([&](const Received& request, Peer& peer) { serveFile(request, peer, content); });
-    folder.file(whole, std::string(content.size(), 'x'));
-    download(modelAt(server.address("a.bin")));
-    expectWhole();
+    for (const auto& damaged : {std::string(content.size(), 'x'), content.substr(0, half)}) {
+        folder.file(whole, damaged);
+        download(modelAt(server.address("a.bin")));
+        expectWhole();
+    }
 }
 
 TEST_F(ModelDownload, goesOnWhereTheConnectionBroke) {

@@ -1,17 +1,11 @@
 #include "platform/models/SpeechModelStore.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include "SmallWhisperModel.h"
-#include "platform/models/Digest.h"
-#include "platform/models/ModelDownload.h"
-#include "platform/models/ModelError.h"
+#include "StoreFixture.h"
 #include "platform/tasks/Cancellation.h"
-#include "tests/support/TemporaryFolder.h"
 
 using namespace korvane;
 using namespace korvane::test;
@@ -21,54 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class SpeechModelStoreTest : public testing::Test {
-  protected:
-    SpeechModelStoreTest() {
-        folders.configHome = folder.path() / "config";
-        folders.dataHome = folder.path() / "data";
-        folders.dataDirs = {folder.path() / "local", folder.path() / "usr"};
-        folders.systemConfig = folder.path() / "etc";
-    }
-
-    /// A list that knows `content` as "known" under the name "ggml-known.bin".
-    SpeechModelCatalogue knowing(const std::string& content) const {
-        Sha256 digest;
-        digest.add(std::as_bytes(std::span(content)));
-        return SpeechModelCatalogue::parse(
-            "it",
-            R"({"mirror": "https://x/", "models": [{"id": "known", "name": "Known", "file": "ggml-known.bin",
-                "memory": 1000, "operations": 77e12, "bytes": )" +
-                std::to_string(content.size()) + R"(, "sha256": ")" + digest.finish() + "\"}]}");
-    }
-    SpeechModelStore store() const { return {folders, knowing(small)}; }
-    std::vector<std::string> ids() const {
-        std::vector<std::string> ids;
-        for (const auto& model : store().installed())
-            ids.push_back(model.id);
-        return ids;
-    }
-    template <class Action>
-    static std::string refusal(const Action& action) {
-        try {
-            action();
-        } catch (const ModelError& error) {
-            const std::string sentence = error.what();
-            EXPECT_TRUE(sentence.ends_with('.')) << sentence;
-            return sentence;
-        }
-        return "nothing was refused";
-    }
-    std::string refusedFile(const fs::path& file) {
-        return refusal([&] { store().add(file); });
-    }
-
-    TemporaryFolder folder;
-    StandardFolders folders;
-    std::string small = smallWhisperModel();
-    std::string larger = smallWhisperModel({.audioLayers = 9});
-    std::string own = "data/korvane/models/whisper/";
-    std::string systems = "usr/korvane/models/whisper/";
-};
+class SpeechModelStoreTest : public StoreFixture {};
 
 TEST_F(SpeechModelStoreTest, isEmptyWhereNothingIs) {
     EXPECT_TRUE(store().installed().empty());
@@ -157,6 +104,33 @@ TEST_F(SpeechModelStoreTest, anUnknownFileDoesNotTakeTheIdOfAListedModel) {
     EXPECT_EQ(model.id, "known.bin");
     EXPECT_FALSE(store().find("known")) << "it would seem to be installed";
     EXPECT_EQ(store().find("known.bin")->file.filename(), "known.bin");
+}
+
+TEST_F(SpeechModelStoreTest, twoFilesOfOneNameWithAndWithoutItsBeginningAreTwoModels) {
+    folder.file(own + "x.bin", small);
+    folder.file(own + "ggml-x.bin", larger);
+    EXPECT_THAT(ids(), testing::UnorderedElementsAre("x", "x.bin"));
+    EXPECT_EQ(store().find("x")->file.filename(), "ggml-x.bin");
+    EXPECT_EQ(store().find("x.bin")->file.filename(), "x.bin");
+    store().remove("x.bin");
+    EXPECT_THAT(ids(), ElementsAre("x"));
+    EXPECT_TRUE(fs::exists(folder.path() / own / "ggml-x.bin"));
+}
+
+TEST_F(SpeechModelStoreTest, theSystemsFileOfAnotherNameIsAnotherModel) {
+    folder.file(own + "x.bin", small);
+    folder.file(systems + "ggml-x.bin", larger);
+    folder.file(systems + "x.bin", larger);
+    ASSERT_THAT(ids(), testing::UnorderedElementsAre("x", "ggml-x.bin"));
+    EXPECT_TRUE(store().find("x")->own) << "of one name, the person's own";
+}
+
+TEST_F(SpeechModelStoreTest, theChosenFileStaysTheChosenOneWhenAnotherTakesItsId) {
+    folder.file(own + "x.bin", small);
+    store().use("x");
+    const auto added = store().add(folder.file("downloads/ggml-x.bin", larger));
+    EXPECT_EQ(added.id, "x");
+    EXPECT_EQ(store().inUse()->file.filename(), "x.bin");
 }
 
 TEST_F(SpeechModelStoreTest, aNameOfNothingButAnEndingIsFoundAgain) {
