@@ -54,7 +54,8 @@ PocketSphinxDecoder::PocketSphinxDecoder(std::unique_ptr<Library> library) : lib
 
 PocketSphinxDecoder::~PocketSphinxDecoder() = default;
 
-std::unique_ptr<PocketSphinxDecoder> PocketSphinxDecoder::load(const PocketSphinxModel& model) {
+std::unique_ptr<PocketSphinxDecoder> PocketSphinxDecoder::load(const PocketSphinxModel& model,
+                                                               const std::stop_token& stop) {
     model.check();
     takeOverLibraryErrors();
     auto library = std::make_unique<Library>(model);
@@ -65,6 +66,8 @@ std::unique_ptr<PocketSphinxDecoder> PocketSphinxDecoder::load(const PocketSphin
 
     static std::mutex oneAtATime;  // the library's initialisation shares tables
     const std::lock_guard lock(oneAtATime);
+    // Whoever was cancelled while others loaded needn't load any more, and hold up those behind.
+    checkCancelled(stop);
     // Only what differs from the defaults, which did best. Silence must stay in: the library's own way of
     // leaving it out makes word times seconds wrong.
     const bool returned = guardedLibraryCall([&] {

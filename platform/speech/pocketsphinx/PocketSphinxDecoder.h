@@ -22,9 +22,11 @@ struct HeardEntry {
 /// Lives on one thread. Several decoders may work at once.
 class PocketSphinxDecoder {
   public:
-    /// Loads the model: about 0.3 s and 110 MB, uninterruptible.
-    /// \throws RecognitionError when it can't be loaded.
-    static std::unique_ptr<PocketSphinxDecoder> load(const PocketSphinxModel& model);
+    /// Loads the model: about 0.3 s and 110 MB, uninterruptible. One at a time; the others wait.
+    /// \throws RecognitionError when it can't be loaded, CancellationError when a stop was requested before its
+    /// turn.
+    static std::unique_ptr<PocketSphinxDecoder> load(const PocketSphinxModel& model,
+                                                     const std::stop_token& stop);
     ~PocketSphinxDecoder();
     PocketSphinxDecoder(const PocketSphinxDecoder&) = delete;
     PocketSphinxDecoder& operator=(const PocketSphinxDecoder&) = delete;

@@ -40,7 +40,7 @@ class Transcription {
     Transcription(const PocketSphinxModel& model, std::stop_token stop)
         : rateHz_(model.rateHz),
           stop_(std::move(stop)),
-          decoder_(PocketSphinxDecoder::load(model)),
+          decoder_(PocketSphinxDecoder::load(model, stop_)),
           stretches_(model.rateHz) {}
 
     std::vector<RecognizedSegment> of(AudioDecoder& recording) {

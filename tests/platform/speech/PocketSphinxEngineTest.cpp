@@ -11,6 +11,7 @@
 
 #include "platform/ffmpeg/MediaError.h"
 #include "platform/speech/pocketsphinx/PocketSphinxDecoder.h"
+#include "platform/tasks/Cancellation.h"
 #include "tests/platform/speech/SpokenFixture.h"
 #include "tests/platform/speech/SyntheticSound.h"
 
@@ -122,6 +123,14 @@ TEST(PocketSphinxEngine, phrasesAreFoundWhereTheyWerePut) {
     }
 }
 
+TEST(PocketSphinxDecoder, whoeverWasCancelledBeforeItsTurnLoadsNothing) {
+    const auto model =
+        PocketSphinxModels(standardFolders(), KORVANE_POCKETSPHINX_MODELS).find(Locale{"en-US"}).value();
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_THROW(PocketSphinxDecoder::load(model, stop.get_token()), CancellationError);
+}
+
 TEST(PocketSphinxDecoder, aPauseKeepsItsLengthAndEachUtteranceCountsItsOwnFrames) {
     const TemporaryFolder folder;
     const auto phrase = speak(folder, "my father walked to the station");
@@ -129,7 +138,7 @@ TEST(PocketSphinxDecoder, aPauseKeepsItsLengthAndEachUtteranceCountsItsOwnFrames
     utterance.resize(phrase.size() + 4 * spokenRateHz);
     utterance.insert(utterance.end(), phrase.begin(), phrase.end());
     const auto decoder = PocketSphinxDecoder::load(
-        PocketSphinxModels(standardFolders(), KORVANE_POCKETSPHINX_MODELS).find(Locale{"en-US"}).value());
+        PocketSphinxModels(standardFolders(), KORVANE_POCKETSPHINX_MODELS).find(Locale{"en-US"}).value(), {});
     for (int round = 0; round < 2; ++round) {
         std::vector<int> starts;
         for (const auto& heard : decoder->recognize(utterance, {})) {
