@@ -1,6 +1,7 @@
 #include "cli/Models.h"
 
 #include <algorithm>
+#include <cctype>
 #include <vector>
 
 #include "cli/Failure.h"
@@ -14,7 +15,7 @@
 namespace korvane::cli {
 namespace {
 
-/// One line of the list.
+/// One line of the list, of a model that is here or can be had.
 struct Row {
     std::string id;
     std::uint64_t bytes = 0;
@@ -37,7 +38,24 @@ std::string rightIn(const std::string& text, std::size_t columns) {
     return std::string(columns - std::min(columns, text.size()), ' ') + text;
 }
 
-std::vector<Row> rowsOf(const SpeechModelStore& store) {
+/// As a shell reads it; ids are made of file names.
+std::string shellWord(const std::string& id) {
+    const bool plain = std::ranges::all_of(id, [](unsigned char byte) {
+        return std::isalnum(byte) != 0 || byte == '-' || byte == '_' || byte == '.' || byte > 127;
+    });
+    return plain ? id : "'" + id + "'";
+}
+
+/// What can be done about a file that can't be used; empty for nothing.
+std::string wayOut(const UnusableModelFile& file) {
+    const std::string get = "korvane-cli models install " + shellWord(file.id) + " gets it again";
+    const std::string go = "korvane-cli models remove " + shellWord(file.id) + " removes it";
+    if (file.listed && file.own)
+        return get + ", " + go;
+    return file.listed ? get : file.own ? go : "";
+}
+
+std::vector<Row> rowsOf(const SpeechModelStore& store, const std::vector<UnusableModelFile>& unusable) {
     const auto installed = store.installed();
     const auto used = store.inUse();
     const auto recommended = recommendedModel(store.catalogue(), Machine::here());
@@ -46,9 +64,8 @@ std::vector<Row> rowsOf(const SpeechModelStore& store) {
         rows.push_back({model.id, model.bytes, model.memoryBytes, model.operationsPerSecond,
                         used && used->id == model.id ? "installed, in use" : "installed"});
     for (const auto& model : store.catalogue().offered()) {
-        const bool there = std::any_of(installed.begin(), installed.end(),
-                                       [&](const auto& other) { return other.id == model.id; });
-        if (there)
+        const auto isIt = [&](const auto& other) { return other.id == model.id; };
+        if (std::ranges::any_of(installed, isIt) || std::ranges::any_of(unusable, isIt))
             continue;
         std::string state = recommended && recommended->id == model.id ? "recommended here" : "";
         if (const auto part = downloadedPart(model, store))
@@ -64,18 +81,24 @@ std::vector<Row> rowsOf(const SpeechModelStore& store) {
 CommandOutput list(const SpeechModelStore& store) {
     CommandOutput output;
     output.note = store.catalogue().problem();
-    const auto rows = rowsOf(store);
+    const auto unusable = store.unusable();
+    const auto rows = rowsOf(store, unusable);
     std::size_t widest = 0;
     for (const auto& row : rows)
         widest = std::max(widest, widthOf(row.id));
+    for (const auto& file : unusable)
+        widest = std::max(widest, widthOf(file.id));
     for (const auto& row : rows) {
         output.result += leftIn(row.id, widest) + rightIn(byteText(row.bytes), 8) + ", " +
                          rightIn(byteText(row.memoryBytes), 6) + " of memory, " +
                          speedText(expectedSpeed(row.operationsPerSecond, Machine::here())) +
                          (row.state.empty() ? "" : "; " + row.state) + "\n";
     }
-    for (const auto& file : store.unusable())
-        output.result += "not usable: " + file.reason + "\n";
+    for (const auto& file : unusable) {
+        const auto help = wayOut(file);
+        output.result += leftIn(file.id, widest) + "  not usable: " + file.reason +
+                         (help.empty() ? "" : " (" + help + ")") + "\n";
+    }
     return output;
 }
 
@@ -98,6 +121,8 @@ std::string detailOf(const DownloadProgress& now) {
 CommandOutput install(const ModelsRequest& request, const SpeechModelStore& store,
                       const CommandContext& context, const std::stop_token& stop) {
     const auto* model = store.catalogue().find(request.subject);
+    if (!model && (store.find(request.subject) || store.findUnusable(request.subject)))
+        throw Failure("The model \"" + request.subject + "\" is a file of its own: no server has it.");
     if (!model)
         throw Failure("There is no model \"" + request.subject + "\"; korvane-cli models list shows them.");
     if (const auto there = store.find(model->id))
@@ -125,7 +150,7 @@ CommandOutput install(const ModelsRequest& request, const SpeechModelStore& stor
 /// What is installed, else what a download that was stopped has left.
 CommandOutput remove(const std::string& id, const SpeechModelStore& store) {
     const auto* listed = store.catalogue().find(id);
-    if (store.find(id) || !listed || downloadedPart(*listed, store) == 0) {
+    if (store.find(id) || store.findUnusable(id) || !listed || downloadedPart(*listed, store) == 0) {
         store.remove(id);
         return {{}, "Removed " + id + "."};
     }
@@ -134,6 +159,15 @@ CommandOutput remove(const std::string& id, const SpeechModelStore& store) {
     if (downloadedPart(*listed, store) > 0)
         throw Failure(listed->name + " is being downloaded by another window or command.");
     return {{}, "Removed the " + part + " that had been downloaded of " + listed->name + "."};
+}
+
+CommandOutput use(const std::string& id, const SpeechModelStore& store) {
+    if (const auto file = store.findUnusable(id)) {
+        const auto help = wayOut(*file);
+        throw Failure(file->reason, help.empty() ? "" : help + ".");
+    }
+    store.use(id);
+    return {{}, id + " recognises from now on."};
 }
 
 CommandOutput add(const std::string& file, const SpeechModelStore& store, const CommandContext& context,
@@ -161,8 +195,7 @@ CommandOutput runModels(const ModelsRequest& request, const CommandContext& cont
         case ModelsRequest::Action::add:
             return add(request.subject, store, context, stop);
         case ModelsRequest::Action::use:
-            store.use(request.subject);
-            return {{}, request.subject + " recognises from now on."};
+            return use(request.subject, store);
         case ModelsRequest::Action::path:
             return {store.folder().string() + "\n", {}};
     }

@@ -3,60 +3,22 @@
 
 models_test.py CLI CLIPS MODEL_WRITER [TEST...]   CLIPS as end_to_end_test.py makes them
 """
+import base64
 import hashlib
-import http.server
 import json
-import re
+import resource
 import signal
 import subprocess
 import sys
-import threading
 import time
 import unittest
 from pathlib import Path
 
 sys.dont_write_bytecode = True
 WRITER = Path(sys.argv.pop(3)).resolve()
+sys.path.append(str(Path(__file__).parents[1] / "support"))
 from end_to_end_test import Case  # noqa: E402  (reads the arguments)
-
-
-class Server:
-    """Has one file. Answers by range; stops after `until` bytes of a request until it is let go."""
-
-    def __init__(self, content):
-        self.content, self.until, self.ranges, self.go_on = content, len(content), [], threading.Event()
-        server = self
-
-        class Handler(http.server.BaseHTTPRequestHandler):
-            def do_GET(self):
-                asked = self.headers.get("Range")
-                server.ranges.append(asked)
-                begin = int(re.fullmatch(r"bytes=(\d+)-", asked)[1]) if asked else 0
-                self.send_response(206 if asked else 200)
-                self.send_header("ETag", '"1"')
-                self.send_header("Content-Length", str(len(server.content) - begin))
-                if asked:
-                    self.send_header("Content-Range", f"bytes {begin}-{len(server.content) - 1}/{len(server.content)}")
-                self.end_headers()
-                try:
-                    self.wfile.write(server.content[begin:server.until])
-                    if server.until < len(server.content):
-                        server.go_on.wait()
-                        self.wfile.write(server.content[max(begin, server.until):])
-                except ConnectionError:
-                    pass
-
-            def log_message(self, *_):
-                pass
-
-        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-        self.address = f"http://127.0.0.1:{self.server.server_port}/"
-        threading.Thread(target=self.server.serve_forever, args=(0.02,), daemon=True).start()
-
-    def close(self):
-        self.go_on.set()
-        self.server.shutdown()
-        self.server.server_close()
+from model_server import ModelServer  # noqa: E402
 
 
 class Models(Case):
@@ -65,18 +27,18 @@ class Models(Case):
         self.model = self.root / "scripted.bin"
         subprocess.run([WRITER, self.model, " Добрый@1", " день@2"], check=True)
         self.content = self.model.read_bytes()
-        self.server = Server(self.content)
+        self.server = ModelServer(self.content)
         self.addCleanup(self.server.close)
         self.data = self.root / ".local/share/korvane/models/whisper"
         self.installed, self.part = self.data / "ggml-test.bin", self.data / "ggml-test.bin.part"
         self.write_list()
 
-    def write_list(self, **changes):
+    def write_list(self, mirror=None, **changes):
         entry = {"id": "test", "name": "Test", "file": "ggml-test.bin", "bytes": len(self.content), "memory": 10**8,
                  "operations": 10**8, "sha256": hashlib.sha256(self.content).hexdigest(), **changes}
         file = self.root / "config/korvane/speech-models.json"
         file.parent.mkdir(exist_ok=True)
-        file.write_text(json.dumps({"mirror": self.server.address, "models": [entry]}))
+        file.write_text(json.dumps({"mirror": mirror or self.server.address, "models": [entry]}))
 
     def listed(self):
         return {line.split()[0]: line for line in self.run_cli("models", "list")[0].splitlines()}
@@ -148,6 +110,79 @@ class Models(Case):
         self.assertIn("instead of 5", self.fails("models", "install", "test"))
         self.assertFalse(self.installed.exists())
 
+    def test_a_broken_connection_is_taken_up_again(self):
+        self.server.breaks_after = len(self.content) // 3
+        self.run_cli("models", "install", "test")
+        self.assertEqual(self.server.ranges, [None, f"bytes={len(self.content) // 3}-"])
+        self.assertEqual(self.installed.read_bytes(), self.content)
+
+    def stop_at_half(self):
+        self.server.until = len(self.content) // 2
+        process = self.start("models", "install", "test")
+        while not (self.part.exists() and self.part.stat().st_size == self.server.until):
+            time.sleep(0.01)
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=100)
+        self.server.until = len(self.content)
+
+    def test_a_server_without_ranges_or_with_another_version_begins_anew(self):
+        for change in ({"has_ranges": False}, {"tag": '"2"'}):
+            self.stop_at_half()
+            vars(self.server).update(change)
+            self.run_cli("models", "install", "test")
+            self.assertEqual(self.server.ranges[-1], f"bytes={len(self.content) // 2}-")
+            self.assertEqual(self.installed.read_bytes(), self.content)
+            self.run_cli("models", "remove", "test")
+
+    def test_the_page_of_a_network_that_wants_a_sign_in_costs_nothing(self):
+        self.stop_at_half()
+        self.server.page = b"<html>Sign in, please</html>"
+        self.assertIn("sent a web page instead of the model", self.fails("models", "install", "test"))
+        self.server.page = None
+        self.run_cli("models", "install", "test")
+        self.assertEqual(self.server.ranges[-1], f"bytes={len(self.content) // 2}-")
+
+    def test_a_proxy_is_gone_through_with_name_and_password(self):
+        proxy = self.server.address.rstrip("/")
+        self.write_list(mirror="http://models.example/")  # nobody but the proxy has it
+        self.environment["http_proxy"] = proxy
+        self.run_cli("models", "install", "test")
+        self.assertEqual(self.server.paths, ["http://models.example/ggml-test.bin"])
+        self.run_cli("models", "remove", "test")
+        self.server.password = "Basic " + base64.b64encode(b"ada:secret").decode()
+        self.assertIn("wants a name and a password", self.fails("models", "install", "test"))
+        self.run_cli("models", "install", "test", "--proxy", proxy.replace("//", "//ada:secret@"))
+        self.assertEqual(self.installed.read_bytes(), self.content)
+
+    def test_a_disk_that_fills_up_is_given_back(self):
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (len(self.content) // 2,) * 2)
+        self.assertIn("The disk is full", self.fails("models", "install", "test", preexec_fn=limit))
+        self.assertEqual(list(self.data.iterdir()), [])
+        self.assertIn("The disk is full", self.fails("models", "add", self.model, preexec_fn=limit))
+        self.assertEqual(list(self.data.iterdir()), [])
+
+    def test_a_small_disk_is_refused_before_anything_is_asked_for(self):
+        self.write_list(bytes=8 * 10**15)
+        self.assertRegex(self.fails("models", "install", "test"), r"not enough room in .*: .* are needed, and .* are free")
+        self.assertEqual(self.server.ranges, [])
+
+    def test_a_mirror_of_the_systems_configuration_serves(self):
+        mine = self.root / "config/korvane/speech-models.json"
+        system = self.root / "xdg/korvane/speech-models.json"
+        system.parent.mkdir(parents=True)
+        mine.rename(system)
+        self.environment["XDG_CONFIG_DIRS"] = f"{self.root}/none:{self.root}/xdg"
+        self.run_cli("models", "install", "test")
+        self.assertEqual(self.installed.read_bytes(), self.content)
+
+    def test_two_files_of_nearly_one_name_are_two_models(self):
+        self.data.mkdir(parents=True)
+        for name in ("x.bin", "ggml-x.bin"):
+            (self.data / name).write_bytes(self.content)
+        self.assertEqual(set(self.listed()), {"test", "x", "x.bin"})
+        self.run_cli("models", "use", "x.bin")
+        self.assertIn("in use", self.listed()["x.bin"])
+
     def test_a_part_that_is_kept_is_spoken_of(self):
         self.data.mkdir(parents=True)
         self.part.write_bytes(self.content[:1000])
@@ -178,10 +213,25 @@ class Models(Case):
         self.assertIn("base-q8_0", out)
         self.assertRegex(err, r"\A\".*speech-models.json\" is not JSON.*\.\n\Z")
 
-    def test_files_that_are_no_use_are_named(self):
+    def test_a_damaged_model_is_named_and_got_again_or_removed(self):
         self.data.mkdir(parents=True)
         self.installed.write_bytes(self.content[:5000])
-        self.assertIn('not usable: "ggml-test.bin" is cut off', self.run_cli("models", "list")[0])
+        (self.data / "ggml-mine.bin").write_text("no model at all")
+        lines = self.listed()
+        self.assertEqual(set(lines), {"test", "mine"})
+        self.assertIn('not usable: "ggml-test.bin" is cut off: it isn\'t all of a model. '
+                      "(korvane-cli models install test gets it again, korvane-cli models remove test removes it)",
+                      lines["test"])
+        self.assertIn('not usable: "ggml-mine.bin" is not a Whisper model', lines["mine"])
+        self.assertTrue(lines["mine"].endswith("(korvane-cli models remove mine removes it)"))
+        self.assertIn('"ggml-test.bin" is cut off', self.fails("models", "use", "test"))
+        self.assertIn('"ggml-test.bin" is cut off', self.fails("transcribe", self.video, "-l", "ru-RU", "--model", "test"))
+        self.assertIn("no server has it", self.fails("models", "install", "mine"))
+        self.run_cli("models", "install", "test")
+        self.assertEqual(self.installed.read_bytes(), self.content)
+        self.assertIn("installed, in use", self.listed()["test"])
+        self.run_cli("models", "remove", "mine")
+        self.assertEqual(list(self.data.iterdir()), [self.installed])
 
     def test_added_files_and_the_choice_among_them(self):
         self.run_cli("models", "add", self.model)

@@ -12,7 +12,7 @@ import sys
 import unittest
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).parent))
+sys.path[:0] = [str(Path(__file__).parent), str(Path(__file__).parents[1] / "support")]
 import desk  # noqa: E402
 import end_to_end_test  # noqa: E402
 from desk import key, type_text, until  # noqa: E402
@@ -101,7 +101,9 @@ class Downloading(Models):
 
         program.find("push button", "Install A small model").click()
         self.shown("(49|50)%.*")
-        program.find("progress bar", "Download of A small model")
+        bar = program.find("progress bar", "Download of A small model")
+        self.assertAlmostEqual(until("its value", lambda: bar.value), 0.5, delta=0.01)
+        self.assertEqual(bar.range, (0, 1))
         self.close_sheet()
         self.open_sheet()
         self.shown("(49|50)%.*")
@@ -194,6 +196,25 @@ class OwnFiles(Models):
         self.program.find("push button", "Remove A small model")
         self.assertEqual((self.folder / "ggml-small.bin").read_bytes(), self.content)
         self.assertEqual(self.server.ranges, [])
+        self.close_sheet()
+        self.quit()
+
+    def test_a_damaged_file_is_named_got_again_and_removed(self):
+        self.folder.mkdir(parents=True)
+        file = self.folder / "ggml-small.bin"
+        file.write_bytes(self.content[:5000])
+        (self.folder / "ggml-junk.bin").write_text("no model")
+        self.start()
+        self.open_sheet()
+        program = self.program
+        self.shown('"ggml-small.bin" is cut off.*')
+        self.shown('"ggml-junk.bin" is not a Whisper model.*')
+        program.find("push button", "Install again A small model").click()
+        program.find("push button", "Remove A small model")
+        self.assertEqual(file.read_bytes(), self.content)
+        program.find("push button", "Remove ggml-junk.bin").click()
+        program.find("push button", "Remove ggml-junk.bin now").click()
+        until("the junk to go", lambda: [f.name for f in self.folder.iterdir()] == [file.name])
         self.close_sheet()
         self.quit()
 
