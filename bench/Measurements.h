@@ -31,5 +31,9 @@ void measureTokens(const Setting& setting, Report& report);
 void measureWindow(const Setting& setting, Report& report);
 /// The preview in the real window, and its player: first frame, loops, lip sync, styling, seeks.
 void measurePreview(const Setting& setting, Report& report);
+/// The Whisper worker: start, speed, memory, cancelling. An hour takes a real model minutes to hours.
+void measureWhisper(const Setting& setting, Report& report, bool hourOfEveryModel);
+/// The times of the words against speech whose words have known times; the clean recordings only, or all.
+void measureWordTiming(const Setting& setting, Report& report, bool cleanOnly);
 
 }  // namespace korvane::bench

@@ -20,11 +20,11 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: korvane-bench --worker PROGRAM --files FOLDER [--quick] [--speech-hour] [--rounds N]\n"
-    "                     [--only export|extraction|lengths|memory|recognition|tokens|window|preview]... "
-    "[--json "
-    "FILE]\n"
+    "                     [--only "
+    "export|extraction|lengths|memory|recognition|tokens|window|preview|whisper|\n"
+    "                             word-timing]... [--json FILE]\n"
     "  --quick        one round, nothing longer than a minute\n"
-    "  --speech-hour  recognise an hour of speech as well\n"
+    "  --speech-hour  recognise an hour of speech as well, with every model\n"
     "Ends with 0 when every goal was reached, 1 when one was missed or a job failed, 2 for wrong usage.\n";
 
 struct Options {
@@ -99,6 +99,10 @@ void measure(const Options& options, Report& report) {
         measureWindow(setting, report);
     if (options.wants("preview"))
         measurePreview(setting, report);
+    if (options.wants("whisper"))
+        measureWhisper(setting, report, options.speechHour);
+    if (options.wants("word-timing"))
+        measureWordTiming(setting, report, options.quick);
     if (!options.wants("recognition"))
         return;
     measureRecognition(setting, report, 1);
