@@ -38,20 +38,23 @@ SpeechModelOffer offerOf(const InstalledSpeechModel& model, const SpeechModelSto
             .isOwn = model.own};
 }
 
-/// The offered ones where they stand in the list, the others behind them.
-void merge(std::vector<SpeechModelOffer>& models, SpeechModelOffer installed) {
-    const auto same = std::ranges::find(models, installed.id, &SpeechModelOffer::id);
-    if (same == models.end())
-        models.push_back(std::move(installed));
-    else
-        *same = std::move(installed);
+SpeechModelOffer offerOf(const UnusableModelFile& file, const SpeechModelStore& store) {
+    const SpeechModel* listed = file.listed ? store.catalogue().find(file.id) : nullptr;
+    SpeechModelOffer offer = listed ? offerOf(*listed, store) : SpeechModelOffer{.id = file.id};
+    offer.name = file.name;
+    offer.isListed = file.listed;
+    offer.isOwn = file.own;
+    offer.fault = file.reason;
+    return offer;
 }
 
-std::string noticeOf(const SpeechModelStore& store) {
-    if (!store.catalogue().problem().empty())
-        return store.catalogue().problem();
-    const auto unusable = store.unusable();
-    return unusable.empty() ? std::string() : unusable.front().reason;
+/// The offered ones where they stand in the list, the others behind them.
+void merge(std::vector<SpeechModelOffer>& models, SpeechModelOffer here) {
+    const auto same = std::ranges::find(models, here.id, &SpeechModelOffer::id);
+    if (same == models.end())
+        models.push_back(std::move(here));
+    else
+        *same = std::move(here);
 }
 
 }  // namespace
@@ -63,11 +66,13 @@ SpeechModelsFound StoredSpeechModels::find() {
     const SpeechModelStore store = this->store();
     SpeechModelsFound found;
     found.folder = store.folder();
-    found.notice = noticeOf(store);
+    found.notice = store.catalogue().problem();
     for (const SpeechModel& model : store.catalogue().offered())
         found.models.push_back(offerOf(model, store));
     for (const InstalledSpeechModel& model : store.installed())
         merge(found.models, offerOf(model, store));
+    for (const UnusableModelFile& file : store.unusable())
+        merge(found.models, offerOf(file, store));
     if (const auto best = recommendedModel(store.catalogue(), Machine::here()))
         for (SpeechModelOffer& offer : found.models)
             offer.isRecommended = offer.id == best->id;
@@ -82,7 +87,7 @@ void StoredSpeechModels::download(const std::string& id,
     const SpeechModelStore store = this->store();
     const SpeechModel& model = listedModel(store, id);
     DownloadOptions options;
-    options.proxy = proxyOf_(model.address);
+    options.proxy = proxyOf_(model.address, stop);
     downloadModel(model, store, stop, progress, options);
 }
 

@@ -15,8 +15,8 @@ namespace korvane {
 class StoredSpeechModels final : public SpeechModelServices {
   public:
     /// The proxy for an address, as in http_proxy; empty for what the environment says. Called on the thread
-    /// that downloads.
-    using ProxyOf = std::function<std::string(const std::string& address)>;
+    /// that downloads, which is ended by the stop.
+    using ProxyOf = std::function<std::string(const std::string& address, const std::stop_token&)>;
 
     explicit StoredSpeechModels(StandardFolders folders, ProxyOf proxyOf = systemProxyFor);
 

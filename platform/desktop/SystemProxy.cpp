@@ -4,6 +4,12 @@
 #include <QNetworkProxyQuery>
 #include <QString>
 #include <algorithm>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
 
 namespace korvane {
 namespace {
@@ -47,12 +53,33 @@ std::string proxyAddress(const QNetworkProxy& proxy) {
     return url.toString(QUrl::FullyEncoded).toStdString();
 }
 
-std::string systemProxyFor(const std::string& address) {
+std::string answerWithin(std::chrono::milliseconds patience, const std::stop_token& stop,
+                         std::function<std::string()> ask) {
+    struct Answer {
+        std::mutex mutex;
+        std::condition_variable_any changed;
+        std::optional<std::string> text;
+    };
+    const auto answer = std::make_shared<Answer>();
+    std::thread([answer, ask = std::move(ask)] {
+        std::string text = ask();
+        const std::lock_guard lock(answer->mutex);
+        answer->text = std::move(text);
+        answer->changed.notify_all();
+    }).detach();
+    std::unique_lock lock(answer->mutex);
+    answer->changed.wait_for(lock, stop, patience, [&] { return answer->text.has_value(); });
+    return answer->text.value_or(std::string());
+}
+
+std::string systemProxyFor(const std::string& address, const std::stop_token& stop) {
     if (environmentNamesAProxy())
         return {};
-    const auto proxies =
-        QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(QUrl(QString::fromStdString(address))));
-    return proxies.isEmpty() ? std::string() : proxyAddress(proxies.front());
+    constexpr std::chrono::seconds patience(5);
+    return answerWithin(patience, stop, [url = QUrl(QString::fromStdString(address))] {
+        const auto proxies = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url));
+        return proxies.isEmpty() ? std::string() : proxyAddress(proxies.front());
+    });
 }
 
 }  // namespace korvane

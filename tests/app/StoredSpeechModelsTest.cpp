@@ -61,11 +61,31 @@ TEST_F(StoredSpeechModelsTest, aFileOfThePersonsOwnStandsBesideTheListedOnes) {
     EXPECT_FALSE(found("one.bin").isListed);
 }
 
+TEST_F(StoredSpeechModelsTest, aDamagedFileStandsInThePlaceOfItsModelWithAReason) {
+    list(content.size());
+    folder.file("data/korvane/models/whisper/ggml-one.bin", content.substr(0, 1000));
+    folder.file("data/korvane/models/whisper/ggml-mine.bin", "no model");
+    const auto all = StoredSpeechModels(folders).find();
+    ASSERT_EQ(all.models.size(), 2U);
+    EXPECT_EQ(all.notice, "");
+    const auto one = found("one");
+    EXPECT_EQ(one.fault, "\"ggml-one.bin\" is cut off: it isn't all of a model.");
+    EXPECT_EQ(one.name, "One");
+    EXPECT_FALSE(one.isInstalled);
+    EXPECT_TRUE(one.isListed);
+    EXPECT_TRUE(one.isOwn);
+    EXPECT_TRUE(one.isRecommended);
+    EXPECT_FALSE(found("mine").isListed);
+    EXPECT_EQ(found("mine").name, "ggml-mine.bin");
+    StoredSpeechModels(folders).remove("one");
+    EXPECT_EQ(found("one").fault, "");
+}
+
 TEST_F(StoredSpeechModelsTest, aDownloadGoesThroughTheProxyOfTheDesktop) {
     list(content.size(), "http://models.example/");
     TestServer proxy([this](const Received& request, Peer& peer) { serveFile(request, peer, content); });
     std::string asked;
-    StoredSpeechModels models(folders, [&](const std::string& address) {
+    StoredSpeechModels models(folders, [&](const std::string& address, const std::stop_token&) {
         asked = address;
         return "http://127.0.0.1:" + std::to_string(proxy.port());
     });

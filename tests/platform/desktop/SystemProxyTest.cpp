@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+#include <thread>
+
 namespace korvane {
 namespace {
 
@@ -33,6 +37,25 @@ TEST(SystemProxy, leavesTheEnvironmentToWhoeverLoads) {
     qputenv("https_proxy", "http://from-environment.example:1");
     EXPECT_EQ(systemProxyFor("https://example.com/file"), "");
     qunsetenv("https_proxy");
+}
+
+TEST(SystemProxy, isWhatIsAnsweredInTime) {
+    EXPECT_EQ(answerWithin(std::chrono::minutes(1), {}, [] { return std::string("http://proxy.example"); }),
+              "http://proxy.example");
+}
+
+// A script that the desktop has to fetch may never come.
+TEST(SystemProxy, isNoneWhereNobodyAnswers) {
+    static std::promise<void> never;
+    const auto silent = [waiting = never.get_future().share()] {
+        waiting.wait();
+        return std::string("http://too.late");
+    };
+    EXPECT_EQ(answerWithin(std::chrono::milliseconds(20), {}, silent), "");
+
+    std::stop_source stop;
+    const std::jthread person([&] { stop.request_stop(); });
+    EXPECT_EQ(answerWithin(std::chrono::hours(1), stop.get_token(), silent), "");
 }
 
 }  // namespace
