@@ -9,6 +9,7 @@
 
 #include "app/ControlAccessibility.h"
 #include "app/StoredSpeechModels.h"
+#include "app/UnusableSpeechModels.h"
 #include "platform/desktop/Compositor.h"
 #include "platform/speech/InstalledSpeechEngines.h"
 #include "platform/speech/whisper/WhisperProgram.h"
@@ -36,10 +37,9 @@ QPalette panelPalette() {
     return palette;
 }
 
-/// Null in an installation without the worker that needs them.
 std::unique_ptr<SpeechModelServices> speechModelsHere() {
     if (whisperCommand().empty())
-        return nullptr;
+        return std::make_unique<UnusableSpeechModels>();
     return std::make_unique<StoredSpeechModels>(StandardFolders::of(processEnvironment()));
 }
 

@@ -166,7 +166,7 @@ Item {
                 anchors.top: title.bottom
                 anchors.topMargin: 4
                 width: parent.width
-                text: "Each of them understands all nine languages and works on this computer alone."
+                text: list.height > 0 ? "Each of them understands all nine languages and works on this computer alone." : "There are none for this Korvane."
                 color: Theme.white(0.55)
                 font.pixelSize: 12
                 wrapMode: Text.Wrap
@@ -175,6 +175,7 @@ Item {
             }
             ContinuousRectangle {
                 id: frame
+                visible: list.height > 0
                 anchors.top: lead.bottom
                 anchors.topMargin: 16
                 width: parent.width

@@ -101,7 +101,7 @@ SpeechSupport WhisperEngine::support(const Locale& locale) const {
     if (whisperLanguage(locale).empty())
         return {false, "Whisper doesn't know this language."};
     if (!hasWorker_)
-        return {false, "This build comes without Whisper."};
+        return {false, "This build comes without Whisper: ./run builds it anew with it where the library can be had."};
     const auto model = model_();
     if (!model)
         return {false, "Install a Whisper model: korvane-cli models list shows which there are."};
