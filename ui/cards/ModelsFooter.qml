@@ -12,7 +12,10 @@ Item {
 
     signal fileRequested
 
-    implicitHeight: choose.y + choose.height
+    /// Without a folder for them there is nothing to choose a file for.
+    readonly property bool takesFiles: folder.length > 0
+
+    implicitHeight: takesFiles ? choose.y + choose.height : problemText.implicitHeight
 
     Icon {
         id: sign
@@ -45,10 +48,12 @@ Item {
         y: problemText.visible ? problemText.implicitHeight + 14 : 0
         text: "Choose a file…"
         name: "Choose a model file"
+        visible: footer.takesFiles
         enabled: footer.addingText.length === 0
         onClicked: footer.fileRequested()
     }
     Item {
+        visible: footer.takesFiles
         anchors.left: choose.right
         anchors.leftMargin: 14
         anchors.right: parent.right
