@@ -17,17 +17,19 @@ struct HeardToken {
     std::int64_t begin = 0;  ///< sample
     std::int64_t end = 0;
     double probability = 1;
+    bool afterPause = false;  ///< nobody speaks between the token before and this one
 };
 
 /// Pure; any thread. Joins the tokens to a text and takes it apart into words:
 /// - Words lie between spaces; where Chinese or Japanese is written, a dictionary finds them.
 /// - Punctuation stays with its word, with the space before it where the language sets one ("quoi ?", "Kyiv
 /// —").
-///   Numbers stay whole with their unit ("1 000", "3,14 %", "$5", "5月"), short forms too ("z. B.").
-/// - What isn't spoken is dropped: marks between special signs ("<|0.00|>", "[_BEG_]"), descriptions in
-/// brackets
-///   or asterisks ("[music]", "(laughs)", "*applause*", also over several tokens), notes, control characters,
-///   and bytes that are no UTF-8.
+///   Numbers stay whole with their unit ("1 000" without a pause in it, "3,14 %", "$5", "5月"), short forms
+///   too ("z. B.").
+/// - What isn't spoken is dropped: marks between special signs ("<|0.00|>", "[_BEG_]"), all that stands in
+///   square brackets, descriptions in round ones or asterisks ("(laughs)", "*applause*", also over several
+///   tokens), asterisks that only stress, notes, the arrows before another speaker, control characters, and
+///   bytes that are no UTF-8. Other words in round brackets stay.
 /// - Texts are NFC and never empty.
 ///
 /// A word's time is that of what is spoken in it: a comma doesn't prolong it, nor does the space before.

@@ -59,6 +59,7 @@ class Joined {
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             bytes_ += tokens[i].bytes;
             tokenOfByte_.resize(bytes_.size(), i);
+            phraseOfToken_.push_back((i == 0 ? 0 : phraseOfToken_.back()) + (tokens[i].afterPause ? 1 : 0));
         }
     }
 
@@ -87,7 +88,7 @@ class Joined {
         if (!accent && !isSpaceCharacter(c) && !isText(c))
             return;
         if (!accent) {
-            characters_.push_back({{}, 0, firstToken, lastToken, Kind::mark});
+            characters_.push_back({{}, 0, firstToken, lastToken, phraseOfToken_[firstToken], Kind::mark});
         } else if (characters_.empty() || isSpaceCharacter(characters_.back().text.front())) {
             return;
         }
@@ -99,6 +100,7 @@ class Joined {
 
     std::string bytes_;
     std::vector<std::size_t> tokenOfByte_;
+    std::vector<std::size_t> phraseOfToken_;
     std::vector<TokenCharacter> characters_;
 };
 

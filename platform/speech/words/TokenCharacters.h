@@ -23,6 +23,7 @@ struct TokenCharacter {
     char32_t base = 0;
     std::size_t firstToken = 0;  ///< its bytes lie in these, both included
     std::size_t lastToken = 0;
+    std::size_t phrase = 0;  ///< how many pauses were told before its first token
     Kind kind = Kind::mark;
 
     bool isSpace() const { return kind == Kind::space; }
@@ -38,8 +39,7 @@ struct TokenCharacter {
 /// Joins the bytes and leaves out what is no character: broken UTF-8, control and format characters.
 std::vector<TokenCharacter> charactersOfTokens(std::span<const HeardToken> tokens);
 
-/// Makes gaps of descriptions in brackets, special signs and notes.
-/// \param spaced  whether the language writes spaces: "apple(s)" is one word there, "哈哈（笑）" is not.
-void dropUnspoken(std::vector<TokenCharacter>& characters, bool spaced);
+/// Makes gaps of descriptions in brackets, special signs and notes, and takes out asterisks that only stress.
+void dropUnspoken(std::vector<TokenCharacter>& characters);
 
 }  // namespace korvane

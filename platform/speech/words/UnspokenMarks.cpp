@@ -1,9 +1,12 @@
 // What recognisers write without anybody having said it: sounds in brackets, special signs, notes.
+#include <unicode/uchar.h>
+
 #include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
 
+#include "platform/speech/words/SoundDescriptions.h"
 #include "platform/speech/words/TokenCharacters.h"
 
 namespace korvane {
@@ -22,7 +25,17 @@ struct Pair {
 constexpr std::array pairs{Pair{U'[', U']', false},   Pair{U'【', U'】', false}, Pair{U'［', U'］', false},
                            Pair{U'〔', U'〕', false}, Pair{U'(', U')', true},    Pair{U'（', U'）', true}};
 
-constexpr std::u32string_view neverSpoken = U"♩♪♫♬🎵🎶*＊[]【】［］〔〕";
+constexpr std::u32string_view neverSpoken = U"♩♪♫♬🎵🎶[]【】［］〔〕";
+constexpr std::u32string_view stars = U"*＊";
+constexpr std::u32string_view arrows = U">＞";
+constexpr std::u32string_view sentenceEnds = U".!?…。！？";
+constexpr std::u32string_view sentenceParts = U",;:，；：、";
+// May stand between a sentence and a description: "Hello.\" - (laughs)".
+constexpr std::u32string_view betweenSentences = U"\"'”’»)）」』-–—―";
+
+bool contains(std::u32string_view set, char32_t c) {
+    return set.find(c) != std::u32string_view::npos;
+}
 
 const Pair* pairOpenedBy(char32_t c) {
     const auto* found = std::ranges::find(pairs, c, &Pair::open);
@@ -31,18 +44,14 @@ const Pair* pairOpenedBy(char32_t c) {
 
 class Unspoken {
   public:
-    Unspoken(Characters& characters, bool spaced) : characters_(characters), spaced_(spaced) {}
+    explicit Unspoken(Characters& characters)
+        : characters_(characters), isDecoration_(characters.size(), false) {}
 
     void drop() {
-        for (std::size_t i = 0; i < characters_.size(); ++i) {
-            const auto end = endOfDescription(i);
-            for (std::size_t k = i; end && k < *end; ++k)
-                characters_[k].kind = Kind::gap;
-            if (end)
-                i = *end - 1;
-            else if (neverSpoken.find(at(i)) != std::u32string_view::npos)
-                characters_[i].kind = Kind::gap;
-        }
+        for (std::size_t i = 0; i < characters_.size();)
+            i = take(i);
+        std::size_t i = 0;
+        std::erase_if(characters_, [&](const auto&) { return isDecoration_[i++]; });
     }
 
   private:
@@ -50,13 +59,43 @@ class Unspoken {
     std::size_t limit(std::size_t i) const {
         return std::min(characters_.size(), i + longestDescription + 2);
     }
+    bool isSpokenAt(std::size_t i) const { return i < characters_.size() && characters_[i].isSpoken(); }
+    bool isSpokenBefore(std::size_t i) const { return i > 0 && characters_[i - 1].isSpoken(); }
+
+    /// \return where to go on.
+    std::size_t take(std::size_t i) {
+        if (const auto end = endOfDescription(i))
+            return makeGap(i, *end);
+        if (contains(stars, at(i)))
+            return takeStars(i);
+        if (contains(arrows, at(i)))
+            return takeArrows(i);
+        if (contains(neverSpoken, at(i)))
+            return makeGap(i, i + 1);
+        return i + 1;
+    }
+
+    std::size_t makeGap(std::size_t first, std::size_t last) {
+        for (auto i = first; i < last; ++i)
+            characters_[i].kind = Kind::gap;
+        return last;
+    }
+    std::size_t decorate(std::size_t first, std::size_t last) {
+        std::fill(isDecoration_.begin() + static_cast<std::ptrdiff_t>(first),
+                  isDecoration_.begin() + static_cast<std::ptrdiff_t>(last), true);
+        return last;
+    }
+    std::size_t endOfRun(std::size_t i) const {
+        auto end = i;
+        while (end < characters_.size() && at(end) == at(i))
+            ++end;
+        return end;
+    }
 
     /// Behind the last character of the description that begins at `i`, if one does.
     std::optional<std::size_t> endOfDescription(std::size_t i) const {
         if (at(i) == U'<')
             return endOfSpecialSign(i);
-        if (at(i) == U'*' || at(i) == U'＊')
-            return endOfStarred(i);
         const auto* pair = pairOpenedBy(at(i));
         if (pair == nullptr)
             return std::nullopt;
@@ -64,7 +103,8 @@ class Unspoken {
         for (std::size_t k = i; k < limit(i); ++k) {
             depth += at(k) == pair->open ? 1 : at(k) == pair->close ? -1 : 0;
             if (depth == 0)
-                return pair->round && mayBeSpoken(i, k) ? std::nullopt : std::optional(k + 1);
+                return !pair->round || isDescription(i, i + 1, k, k + 1) ? std::optional(k + 1)
+                                                                         : std::nullopt;
         }
         return std::nullopt;
     }
@@ -80,36 +120,90 @@ class Unspoken {
         return std::nullopt;
     }
 
-    /// "*applause*" and "**applause**", but not "2 * 3 * 4".
-    std::optional<std::size_t> endOfStarred(std::size_t i) const {
-        const bool free = i == 0 || !characters_[i - 1].isSpoken();
-        if (!free || i + 1 >= characters_.size() || characters_[i + 1].isSpace())
-            return std::nullopt;
-        for (std::size_t k = i + 1; k < limit(i); ++k) {
-            if (at(k) == at(i) && !characters_[k - 1].isSpace() && at(k - 1) != at(i))
-                return k + 1;
+    /// "*applause*" and "**applause**" name a sound, "*very*" is said with stress, "f**k" is one word, and in
+    /// "2 * 3" they are read out.
+    std::size_t takeStars(std::size_t i) {
+        const auto end = endOfRun(i);
+        if (isTimes(i, end)) {
+            characters_[i].kind = Kind::spoken;
+            return end;
+        }
+        if (isSpokenBefore(i)) {
+            const bool hides = isSpokenAt(end) || end - i >= 2;
+            return hides && !characters_[i - 1].isUnspaced() ? end : decorate(i, end);
+        }
+        const auto close = closingStars(i, end);
+        if (!close)
+            return decorate(i, end);
+        const auto behind = endOfRun(*close);
+        if (isDescription(i, end, *close, behind))
+            return makeGap(i, behind);
+        decorate(*close, behind);
+        return decorate(i, end);
+    }
+
+    /// Where the stars begin that close those in [open, inner).
+    std::optional<std::size_t> closingStars(std::size_t open, std::size_t inner) const {
+        for (auto k = inner; k < limit(open) && !characters_[inner].isSpace(); ++k) {
+            if (at(k) != at(open))
+                continue;
+            const auto behind = endOfRun(k);
+            if (!characters_[k - 1].isSpace() && !isSpokenAt(behind))
+                return k;
+            k = behind - 1;
         }
         return std::nullopt;
     }
 
-    /// "(2020)" is read out, and "apple(s)" is one word.
-    bool mayBeSpoken(std::size_t open, std::size_t close) const {
-        const auto inside = std::span(characters_).subspan(open + 1, close - open - 1);
-        if (std::ranges::any_of(inside, &TokenCharacter::isDigit))
+    /// "2 * 3" and "2*3"
+    bool isTimes(std::size_t i, std::size_t end) const {
+        if (end - i != 1 || i == 0 || end >= characters_.size())
+            return false;
+        const std::size_t space = characters_[i - 1].isSpace() && characters_[end].isSpace() ? 1 : 0;
+        return i > space && end + space < characters_.size() && characters_[i - 1 - space].isDigit() &&
+               characters_[end + space].isDigit();
+    }
+
+    /// ">>" before what another person says.
+    std::size_t takeArrows(std::size_t i) {
+        const auto end = endOfRun(i);
+        const bool atBegin = i == 0 || characters_[i - 1].isSpace() || characters_[i - 1].isGap();
+        return end - i >= 2 && atBegin ? makeGap(i, end) : end;
+    }
+
+    /// Whether what stands in [inner, innerEnd), bracketed by the rest of [first, last), wasn't said: nobody
+    /// speaks brackets, but recognisers put what is said by the way into them too. What can't be told apart
+    /// stays, as a word too many is easily left out and one that is missing can't be chosen.
+    bool isDescription(std::size_t first, std::size_t inner, std::size_t innerEnd, std::size_t last) const {
+        const auto content = std::span(characters_).subspan(inner, innerEnd - inner);
+        return isSoundDescription(content) ||
+               (mayBeDescription(content) && followsSentence(first) && endsSentence(inner, last));
+    }
+    bool followsSentence(std::size_t i) const {
+        while (i > 0 && (characters_[i - 1].isSpace() || characters_[i - 1].isGap() ||
+                         contains(betweenSentences, at(i - 1))))
+            --i;
+        return i == 0 || contains(sentenceEnds, at(i - 1));
+    }
+    /// A small letter before and a capital behind: "(coughs) Hello", but "(really) he said" and "*I* am".
+    bool endsSentence(std::size_t inner, std::size_t last) const {
+        while (last < characters_.size() && characters_[last].isSpace())
+            ++last;
+        if (last == characters_.size())
             return true;
-        const bool attached = spaced_ && open > 0 && characters_[open - 1].isLetter();
-        return attached && !inside.empty() && inside.size() <= 3 &&
-               std::ranges::all_of(inside, &TokenCharacter::isLetter);
+        if (!characters_[last].isSpoken())
+            return !contains(sentenceParts, at(last));
+        return u_islower(static_cast<UChar32>(at(inner))) && u_isupper(static_cast<UChar32>(at(last)));
     }
 
     Characters& characters_;
-    const bool spaced_;
+    std::vector<bool> isDecoration_;
 };
 
 }  // namespace
 
-void dropUnspoken(std::vector<TokenCharacter>& characters, bool spaced) {
-    Unspoken(characters, spaced).drop();
+void dropUnspoken(std::vector<TokenCharacter>& characters) {
+    Unspoken(characters).drop();
 }
 
 }  // namespace korvane

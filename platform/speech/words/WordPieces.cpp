@@ -1,10 +1,12 @@
 #include "platform/speech/words/WordPieces.h"
 
 #include <unicode/brkiter.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 
 namespace korvane {
 namespace {
@@ -49,10 +51,29 @@ bool isPause(const TokenCharacter& character) {
 bool isDoubled(const TokenCharacter& a, const TokenCharacter& b) {
     return a.base == b.base && (a.base == U'.' || a.base == U'-');
 }
+/// "5个月" and "3か月" count months, not things in a month.
+bool countsMonths(const TokenCharacter& digit, const TokenCharacter& counter, const TokenCharacter& month) {
+    constexpr std::u32string_view counters = U"个個箇かヶカヵケ";
+    return digit.isDigit() && counters.find(counter.base) != std::u32string_view::npos && month.base == U'月';
+}
+
+/// Which marks stand at the end of what they enclose; plain quotes do every other time.
+std::vector<bool> closingMarks(Characters characters) {
+    std::vector<bool> closes;
+    bool open = false;
+    for (const auto& character : characters) {
+        const auto type = u_charType(static_cast<UChar32>(character.base));
+        const bool isPlain = character.base == U'"';
+        closes.push_back(type == U_END_PUNCTUATION || type == U_FINAL_PUNCTUATION || (isPlain && open));
+        open = open != isPlain;
+    }
+    return closes;
+}
 
 class Cutter {
   public:
-    Cutter(Characters characters, const Locale& locale) : characters_(characters), dictionary_(locale) {}
+    Cutter(Characters characters, const Locale& locale)
+        : characters_(characters), closes_(closingMarks(characters)), dictionary_(locale) {}
 
     std::vector<WordPiece> pieces() {
         for (std::size_t i = 0; i < characters_.size();) {
@@ -84,7 +105,7 @@ class Cutter {
         auto first = from;
         for (auto i = from + 1; i <= to; ++i) {
             if (i < to && !partsBefore(i) &&
-                !(!byDictionary.empty() && byDictionary[i - from] && atUnspaced(i)))
+                (byDictionary.empty() || !partsUnspaced(i, byDictionary[i - from])))
                 continue;
             pieces_.push_back({first, i, before_});
             before_ = WordPiece::Before::nothing;
@@ -92,8 +113,15 @@ class Cutter {
         }
     }
 
-    bool atUnspaced(std::size_t i) const {
-        return characters_[i].isUnspaced() || characters_[i - 1].isUnspaced();
+    /// In a text that is written without spaces, at least partly: "“好”OK".
+    bool partsUnspaced(std::size_t i, bool byDictionary) const {
+        const auto& before = characters_[i - 1];
+        if (closes_[i] || (i >= 2 && countsMonths(characters_[i - 2], before, characters_[i])))
+            return false;
+        const bool isApostrophe = before.base == U'’' && i >= 2 && !characters_[i - 2].isUnspaced();
+        if (closes_[i - 1] && !isApostrophe && characters_[i].isSpoken())
+            return true;
+        return byDictionary && (characters_[i].isUnspaced() || before.isUnspaced());
     }
 
     /// Between a pause and a letter: "well...so", "yes—no", but "..." before a word, and "3.14".
@@ -102,9 +130,15 @@ class Cutter {
             isPause(characters_[i - 1]) || (i >= 2 && isDoubled(characters_[i - 1], characters_[i - 2]));
         if (pause)
             return characters_[i].isSpoken() && spokenBefore(i);
-        const bool listed = characters_[i - 1].base == U',' || characters_[i - 1].base == U';' ||
-                            characters_[i - 1].base == U'!' || characters_[i - 1].base == U'?';
-        return listed && i >= 2 && characters_[i].isLetter() && characters_[i - 2].isLetter();
+        const auto mark = characters_[i - 1].base;
+        if (i < 2 || !characters_[i].isLetter() || !characters_[i - 2].isLetter())
+            return false;
+        return mark == U',' || mark == U';' || ((mark == U'!' || mark == U'?') && !isInAName(i - 1));
+    }
+    /// "P!nk"
+    bool isInAName(std::size_t mark) const {
+        const bool isFirst = mark < 2 || !characters_[mark - 2].isSpoken();
+        return isFirst && u_islower(static_cast<UChar32>(characters_[mark + 1].base));
     }
     bool spokenBefore(std::size_t i) const {
         while (i > 0 && characters_[i - 1].isMark())
@@ -113,6 +147,7 @@ class Cutter {
     }
 
     const Characters characters_;
+    const std::vector<bool> closes_;
     Dictionary dictionary_;
     WordPiece::Before before_ = WordPiece::Before::gap;
     std::vector<WordPiece> pieces_;

@@ -29,6 +29,12 @@ constexpr std::u32string_view closeMarks = U".,…)]}’、。，．";
 // What Chinese and Japanese count, in one character after the digits: "5月" is one word.
 constexpr std::u32string_view counters =
     U"年月日号時时分秒点點歳岁才回个個人元円圆块次天名本台枚階层度番万萬億亿千百兆";
+constexpr std::u16string_view monthCounters[] = {u"个月", u"個月", u"箇月", u"か月",
+                                                 u"ヶ月", u"カ月", u"ヵ月", u"ケ月"};
+// Behind these stands a number's name and no amount: "Nr. 7 120 Meter" are two numbers.
+constexpr std::u16string_view numberWords[] = {u"Nr.",    u"nr.",    u"No.",    u"no.",   u"n.",   u"n°",
+                                               u"N°",     u"nº",     u"N.º",    u"n.º",   u"núm.", u"Nummer",
+                                               u"numéro", u"número", u"numero", u"номер", u"Номер"};
 // What continues the syllable or the character before it.
 constexpr std::u32string_view continuing = U"ぁぃぅぇぉっゃゅょゎァィゥェォッャュョヮヵヶーゝゞヽヾ々〻";
 
@@ -86,7 +92,7 @@ class Speller {
             takeMark(word, piece);
             return;
         }
-        word.lastPiece = word.text;
+        word.lastPiece = spokenText(word.spoken);
         word.shortForm = shortFormOf(word);
         const bool joins = opening_.text.empty() && !words_.empty() && belongsToTheLast(word, piece.before);
         if (!opening_.text.empty()) {
@@ -150,7 +156,7 @@ class Speller {
             return true;
         if (before == Before::nothing)
             return continuesUnspaced(last, word);
-        return isThousands(last, word) || goTogether(last.shortForm, word.shortForm);
+        return isThousands(last, word) || (goTogether(last.shortForm, word.shortForm) && !isComplete(last));
     }
 
     /// "%", "°C" or "€", but not "$5".
@@ -171,17 +177,42 @@ class Speller {
         const auto first = at(word.all.front());
         if (contains(continuing, first) && end.isUnspaced() && end.isSpoken())
             return true;
-        if (japanese_ && end.isUnspaced() && end.isSpoken() && continuesJapanese(last.lastPiece, word.text))
+        if (japanese_ && end.isUnspaced() && end.isSpoken() &&
+            continuesJapanese({spokenText(last.spoken), last.lastPiece}, spokenText(word.spoken),
+                              behind(word.all.back())))
             return true;
         if (end.isDigit())
-            return contains(counters, first) && word.spoken.size() == 1;
+            return (contains(counters, first) && word.spoken.size() == 1) || countsMonths(word);
         const bool number = last.all.size() >= 2 && characters_[*(last.all.end() - 2)].isDigit();
         return number && contains(U":：.．,，", end.base) && characters_[word.all.front()].isDigit();
     }
 
+    std::u16string spokenText(const std::vector<std::size_t>& spoken) const {
+        std::u16string text;
+        for (const auto i : spoken)
+            text += characters_[i].text;
+        return text;
+    }
+    /// The two characters behind one, as far as they are spoken.
+    std::u16string behind(std::size_t i) const {
+        std::u16string text;
+        for (auto k = i + 1; k < characters_.size() && k <= i + 2 && characters_[k].isSpoken(); ++k)
+            text += characters_[k].text;
+        return text;
+    }
+
+    /// "个月" of "5个月", marks behind it left aside.
+    bool countsMonths(const Word& word) const {
+        return word.spoken.size() == 2 && std::ranges::any_of(monthCounters, [&](const auto& counter) {
+                   return word.text.starts_with(counter);
+               });
+    }
+
     /// "1" before "000": groups of three, as most languages but English write them.
     bool isThousands(const Word& last, const Word& word) const {
-        if (english_ || !spaced_)
+        const bool isPause =
+            characters_[last.spoken.back()].phrase != characters_[word.spoken.front()].phrase;
+        if (english_ || !spaced_ || isPause || isNumbered())
             return false;
         const auto group = groupAtTheEnd(last);
         const auto digits = static_cast<std::size_t>(
@@ -190,6 +221,13 @@ class Speller {
         const bool restIsNumber =
             std::ranges::none_of(word.all, [&](std::size_t i) { return characters_[i].isLetter(); });
         return group && digits == 3 && restIsNumber;
+    }
+    /// Whether the last word is a number that names something: "№ 7" or "Nr. 7".
+    bool isNumbered() const {
+        if (contains(numberSigns, at(words_.back().all.front())))
+            return true;
+        return words_.size() >= 2 &&
+               std::ranges::find(numberWords, (words_.end() - 2)->text) != std::end(numberWords);
     }
     /// Whether the last word ends with one to three digits that can be followed by a group.
     bool groupAtTheEnd(const Word& last) const {
@@ -222,6 +260,11 @@ class Speller {
         if (last == ShortForm::small)
             return next == ShortForm::small || next == ShortForm::letter || next == ShortForm::two;
         return last == ShortForm::doubled && next == ShortForm::doubled;
+    }
+
+    /// "т. д." and its like have two parts; what follows is a word: "г. Москва".
+    static bool isComplete(const Word& word) {
+        return word.text.starts_with(u"т.") && word.text.find(noBreakSpace) != std::u16string::npos;
     }
 
     const Characters characters_;

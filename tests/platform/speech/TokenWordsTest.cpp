@@ -103,6 +103,13 @@ TEST(TokenWords, tokensWithoutALengthShareTheTimeBesideThem) {
               (Words{{"a", 0, 100}, {"b", 100, 200}, {"c", 200, 300}}));
 }
 
+TEST(TokenWords, aPauseThatWasToldPartsTwoNumbers) {
+    EXPECT_EQ(shown(words({{" 20", 0, 100}, {" 100", 100, 200}, {" ans", 200, 300}}, "fr-FR")), "20~100|ans");
+    EXPECT_EQ(shown(words({{" 20", 0, 100}, {" 100", 100, 200, 1, true}, {" ans", 200, 300}}, "fr-FR")),
+              "20|100|ans");
+    EXPECT_EQ(shown(words({{" 20", 0, 100}, {" 100 000", 100, 200, 1, true}}, "fr-FR")), "20|100~000");
+}
+
 TEST(TokenWords, withoutAnyTimeStillFollowOneAnother) {
     EXPECT_EQ(words({{" a", 7, 7}, {" b", 7, 7}}), (Words{{"a", 7, 8}, {"b", 8, 9}}));
     EXPECT_EQ(words({{" a", 7, 3}}), (Words{{"a", 7, 8}}));
