@@ -4,6 +4,7 @@
 languages_test.py CLI CLIPS MODEL_WRITER [TEST...]   CLIPS as end_to_end_test.py makes them
 """
 import json
+import shutil
 import subprocess
 import sys
 import unittest
@@ -55,6 +56,52 @@ class Languages(Case):
         self.assertIn("\nL'été, où\u00a0?\n", self.transcribe("fr-FR", SENTENCES["fr-FR"][0], "srt"))
         self.assertIn("今天天气很好。", self.transcribe("zh-CN", SENTENCES["zh-CN"][0], "srt"))
         self.assertIn("大阪へ行きました。", self.transcribe("ja-JP", SENTENCES["ja-JP"][0], "vtt"))
+
+
+class Engines(Case):
+    """Which engine serves: a Whisper model if one is installed, else PocketSphinx, else none; or the one asked for."""
+
+    def setUp(self):
+        super().setUp()
+        self.model = self.root / "ggml-own.bin"
+        subprocess.run([WRITER, self.model, " scripted@1", " words@2"], check=True)
+
+    def install(self):
+        folder = self.root / ".local/share/korvane/models/whisper"
+        folder.mkdir(parents=True, exist_ok=True)
+        shutil.copy(self.model, folder)
+
+    def said(self, language, *choice):
+        return self.run_cli("transcribe", CLIPS / "spoken.mp4", "-l", language, *choice)[0]
+
+    def test_an_installed_model_goes_before_pocketsphinx(self):
+        self.assertIn("machine", self.said("en-US"))
+        self.install()
+        self.assertEqual(self.said("en-US").split()[:2], ["scripted", "words"])
+        for choice in (["--engine", "whisper"], ["--model", "own"], ["--engine", "whisper", "--model", self.model]):
+            self.assertEqual(self.said("en-US", *choice).split()[:2], ["scripted", "words"])
+        self.assertIn("machine", self.said("en-US", "--engine", "pocketsphinx"))
+        self.run_cli("models", "remove", "own")
+        self.assertIn("machine", self.said("en-US"))
+
+    def test_pocketsphinx_is_not_asked_for_what_it_does_not_know(self):
+        self.assertIn("is not available for 'ru-RU'", self.fails("transcribe", CLIPS / "spoken.mp4", "-l", "ru-RU"))
+        self.install()
+        self.assertEqual(self.said("ru-RU").split()[:2], ["scripted", "words"])
+        self.assertIn("is not available for 'ru-RU'",
+                      self.fails("transcribe", CLIPS / "spoken.mp4", "-l", "ru-RU", "--engine", "pocketsphinx"))
+
+    def test_a_reel_is_made_with_the_engine_that_was_asked_for(self):
+        self.install()
+        for choice in (["--engine", "whisper"], ["--engine", "pocketsphinx"], ["--model", "own"]):
+            words, reel, expected = (self.root / name for name in ("words.json", "reel.mp4", "expected.mp4"))
+            self.run_cli("transcribe", CLIPS / "spoken.mp4", "-l", "en-US", "-o", words, *choice)
+            self.run_cli("export", CLIPS / "spoken.mp4", "--words", words, "-o", expected)
+            self.run_cli("reel", CLIPS / "spoken.mp4", "-l", "en-US", "-o", reel, *choice)
+            self.assertEqual(reel.read_bytes(), expected.read_bytes(), choice)
+            with self.subTest(choice):
+                first = json.loads(words.read_text())["words"][0]["text"]
+                self.assertEqual(first == "scripted", "pocketsphinx" not in choice)
 
 
 if __name__ == "__main__":

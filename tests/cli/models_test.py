@@ -244,14 +244,6 @@ class Models(Case):
             self.run_cli("models", "use", name)
             self.assertIn("in use", self.listed()[name])
 
-    def test_a_model_speaks(self):
-        self.run_cli("models", "install", "test")
-        for choice in ([], ["--engine", "whisper"], ["--model", "test"], ["--model", self.model]):
-            out, _ = self.run_cli("transcribe", self.video, "-l", "ru-RU", *choice)
-            self.assertEqual(out.split()[:2], ["Добрый", "день"])
-        out, _ = self.run_cli("transcribe", self.video, "-l", "en-US", "--engine", "pocketsphinx")
-        self.assertIn("machine", out)
-
     def test_a_choice_that_is_not_there_is_said(self):
         self.assertIn("no installed model and no file", self.fails("transcribe", self.video, "-l", "en", "--model", "none"))
         self.assertIn("cut off", self.fails("transcribe", self.video, "-l", "en", "--model", self.cut_off()))
