@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 #include "platform/speech/SoundLevel.h"
 
@@ -110,12 +111,20 @@ std::int64_t heardBegin(const TimedWord& word, std::int64_t earliest, std::int64
     return isNear ? quiet.end : word.begin;
 }
 
-/// Makes words follow each other and none empty; the later one gives way.
-void separate(std::vector<TimedWord>& words, std::int64_t from, std::int64_t shortest) {
+/// Makes words follow each other within `room` and none empty: the later one gives way, and at the end of the
+/// room the earlier ones make place for those that would be pushed out of it.
+void separate(std::vector<TimedWord>& words, Span room, std::int64_t shortest) {
+    const auto count = std::max<std::int64_t>(std::ssize(words), 1);
+    shortest = std::clamp<std::int64_t>(room.length() / count, 0, shortest);
     for (auto& word : words) {
-        word.begin = std::max(word.begin, from);
+        word.begin = std::max(word.begin, room.begin);
         word.end = std::max(word.end, word.begin + shortest);
-        from = word.end;
+        room.begin = word.end;
+    }
+    for (auto& word : words | std::views::reverse) {
+        word.end = std::min(word.end, room.end);
+        word.begin = std::min(word.begin, word.end - shortest);
+        room.end = word.begin;
     }
 }
 
@@ -144,7 +153,7 @@ std::vector<TimedWord> refineWordTimes(std::vector<TimedWord> words, const Speec
     const auto earliest = std::max(notBefore, stretch.begin);
     for (auto& word : words)
         word.end = std::min(word.end, stretch.end());
-    separate(words, earliest, levels.ms(shortestMs));
+    separate(words, {earliest, stretch.end()}, levels.ms(shortestMs));
     // Beyond a pause nothing is near; beyond a cut the next word may follow at once.
     const auto least = levels.ms(leastToldMs);
     if (!words.empty() && !stretch.beginsInSpeech)

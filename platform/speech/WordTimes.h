@@ -29,8 +29,9 @@ struct TimedWord {
 /// \param stretch   where the sound is.
 /// \param notBefore the end of the last word before the stretch.
 /// \return the same words, none empty, none overlapping, all at or after `notBefore` and within the stretch.
-/// A
-///         word that has no time of its own is given 20 ms; it is missing only if the stretch ends before.
+///         A word that has no time of its own is given 20 ms, at the end of the stretch of the words before
+///         it. Where there is less room, all share it; one is missing only where there isn't a sample for
+///         each.
 std::vector<TimedWord> refineWordTimes(std::vector<TimedWord> words, const SpeechStretch& stretch, int rateHz,
                                        std::int64_t notBefore);
 

@@ -182,6 +182,7 @@ TEST(WordTimes, whateverTimesComeInThoseThatComeOutAreInOrderAndApart) {
     const auto uniform = [&](double from, double to) {
         return std::uniform_real_distribution<double>(from, to)(random);
     };
+    int complete = 0;
     for (int round = 0; round < 150; ++round) {
         SpeechStretch stretch;
         stretch.begin = at(uniform(0.0, 20.0));
@@ -204,6 +205,10 @@ TEST(WordTimes, whateverTimesComeInThoseThatComeOutAreInOrderAndApart) {
         const auto found = refineWordTimes(words, stretch, rateHz, notBefore);
         auto from = std::max(notBefore, stretch.begin);
         auto given = words.begin();
+        if (stretch.end() - from >= std::ssize(words)) {
+            ASSERT_EQ(found.size(), words.size()) << round;
+            ++complete;
+        }
         for (const auto& word : found) {
             ASSERT_GE(word.begin, from) << round;
             ASSERT_GT(word.end, word.begin) << round;
@@ -214,6 +219,29 @@ TEST(WordTimes, whateverTimesComeInThoseThatComeOutAreInOrderAndApart) {
         }
         EXPECT_EQ(refineWordTimes(words, stretch, rateHz, notBefore), found);
     }
+    EXPECT_GT(complete, 100);
+}
+
+TEST(WordTimes, wordsAtTheEndOfAStretchAreGivenTimeByThoseBefore) {
+    auto stretch = stretchWith({{0.0, 4.0}});
+    stretch.endsInSpeech = true;
+    std::vector<TimedWord> words{word("a", 3.0, 3.99)};
+    for (int i = 0; i < 9; ++i)
+        words.push_back(word("b", i < 5 ? 4.0 : 4.5, 5.0));
+    const auto found = refineWordTimes(words, stretch, rateHz, 0);
+    ASSERT_EQ(found.size(), 10U);
+    EXPECT_EQ(found[0], word("a", 3.0, 3.82));
+    EXPECT_EQ(found[1], word("b", 3.82, 3.84));
+    EXPECT_EQ(found[9], word("b", 3.98, 4.0));
+}
+
+TEST(WordTimes, whereThereIsNoRoomForTwentyMillisecondsEachIsGivenAnEqualPart) {
+    const auto stretch = stretchWith({{0.0, 4.0}});
+    const auto found = refineWordTimes({word("a", 0.0, 4.0), word("b", 1.0, 4.0), word("c", 1.0, 2.0)},
+                                       stretch, rateHz, stretch.end() - 30);
+    ASSERT_EQ(found.size(), 3U);
+    for (std::size_t i = 0; i < found.size(); ++i)
+        EXPECT_EQ(found[i].end - found[i].begin, 10);
 }
 
 TEST(WordTimes, inSecondsNeighboursNeverOverlapByARoundingError) {
