@@ -23,6 +23,13 @@ class ControlAccessible final : public QAccessibleQuickItem {
         return state;
     }
 
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        // The toolkit tells the value of what can be moved only.
+        if (type == QAccessible::ValueInterface && role() == QAccessible::ProgressBar)
+            return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleQuickItem::interface_cast(type);
+    }
+
     void setCurrentValue(const QVariant& value) override {
         // Set as a property it would cut the slider off from what it shows, and nobody would hear of it.
         if (auto* slider = qobject_cast<RangeControl*>(item()); slider && slider->isEnabled())

@@ -26,11 +26,15 @@ constexpr std::array kFields{
     Field{"actionText", valueOf<&SpeechModelRow::actionText>},
     Field{"actionName", valueOf<&SpeechModelRow::actionName>},
     Field{"removalText", valueOf<&SpeechModelRow::removalText>},
+    Field{"secondText", valueOf<&SpeechModelRow::secondText>},
+    Field{"secondName", valueOf<&SpeechModelRow::secondName>},
     Field{"recommended", valueOf<&SpeechModelRow::recommended>},
     Field{"installed", valueOf<&SpeechModelRow::installed>},
     Field{"inUse", valueOf<&SpeechModelRow::inUse>},
     Field{"downloading", valueOf<&SpeechModelRow::downloading>},
     Field{"stopped", valueOf<&SpeechModelRow::stopped>},
+    Field{"faulty", valueOf<&SpeechModelRow::faulty>},
+    Field{"removes", valueOf<&SpeechModelRow::removes>},
 };
 
 bool holds(const std::vector<SpeechModelRow>& rows, const QString& id) {

@@ -14,17 +14,21 @@ namespace korvane {
 struct SpeechModelRow {
     QString modelId;
     QString name;
-    QString detail;        ///< size, memory, speed
+    QString detail;        ///< size, memory, speed; of a file that can't be used, why
     QString progressText;  ///< of a download that runs or was stopped; else empty
     double fraction = 0;   ///< of the same
     QString actionText;    ///< of the button; empty where there is nothing to do
-    QString removalText;   ///< what removing it means
     QString actionName;    ///< the same for assistive tools
+    QString removalText;   ///< what removing it means
+    QString secondText;    ///< of the quiet button beside it; empty where there is nothing more to do
+    QString secondName;    ///< the same for assistive tools
     bool recommended = false;
     bool installed = false;
     bool inUse = false;
     bool downloading = false;
     bool stopped = false;  ///< a part is there
+    bool faulty = false;   ///< a file is here that can't be used
+    bool removes = false;  ///< what the button does, or the quiet one where the button doesn't
     friend bool operator==(const SpeechModelRow&, const SpeechModelRow&) = default;
 };
 

@@ -15,6 +15,8 @@ QString text(const std::string& words) {
 }
 
 QString detailOf(const SpeechModelOffer& offer) {
+    if (!offer.fault.empty())
+        return text(offer.fault);
     const QString words = text(byteText(offer.bytes)) + kBetween +
                           QStringLiteral("%1 of memory").arg(text(byteText(offer.memoryBytes))) + kBetween +
                           text(speedText(offer.speed));
@@ -71,9 +73,27 @@ void describeDownload(SpeechModelRow& row, const SpeechModelOffer& offer, const 
 QString actionOf(const SpeechModelRow& row, const SpeechModelOffer& offer) {
     if (row.downloading)
         return QStringLiteral("Stop");
-    if (row.installed)
+    if (row.installed || (row.faulty && !offer.isListed))
         return offer.isOwn ? QStringLiteral("Remove") : QString();
-    return row.stopped ? QStringLiteral("Resume") : QStringLiteral("Install");
+    if (row.stopped)
+        return QStringLiteral("Resume");
+    return row.faulty ? QStringLiteral("Install again") : QStringLiteral("Install");
+}
+
+/// The two buttons of a row: what is likely wanted, and a quiet one for what else can be done.
+void describeActions(SpeechModelRow& row, const SpeechModelOffer& offer) {
+    row.actionText = actionOf(row, offer);
+    if (!row.actionText.isEmpty())
+        row.actionName = row.actionText + u' ' + row.name;
+    if (row.stopped) {
+        row.secondText = QStringLiteral("Discard");
+        row.secondName = QStringLiteral("Discard what has arrived of ") + row.name;
+    } else if (row.faulty && offer.isListed && offer.isOwn) {
+        row.secondText = QStringLiteral("Remove");
+        row.secondName = QStringLiteral("Remove the file of ") + row.name;
+    }
+    const QString& removing = row.secondText.isEmpty() ? row.actionText : row.secondText;
+    row.removes = removing == QStringLiteral("Remove");
 }
 
 }  // namespace
@@ -90,9 +110,8 @@ SpeechModelRow speechModelRow(const SpeechModelOffer& offer, bool inUse, const R
     row.inUse = inUse;
     if (running || !offer.isInstalled)
         describeDownload(row, offer, running);
-    row.actionText = actionOf(row, offer);
-    if (!row.actionText.isEmpty())
-        row.actionName = row.actionText + u' ' + row.name;
+    row.faulty = !offer.fault.empty() && !row.downloading && !row.stopped;
+    describeActions(row, offer);
     return row;
 }
 

@@ -22,8 +22,10 @@ struct SpeechModelOffer {
     double speed = 0;               ///< seconds of sound recognised in a second on this machine
     bool isRecommended = false;
     bool isInstalled = false;
-    bool isListed = true;         ///< so it can be downloaded
-    bool isOwn = false;           ///< installed for this person alone, so it can be removed
+    bool isListed = true;  ///< so it can be downloaded
+    bool isOwn = false;    ///< here for this person alone, so it can be removed
+    /// One sentence about a file that is here but can't be used, and isn't installed therefore; else empty.
+    std::string fault = {};
     std::uint64_t partBytes = 0;  ///< what an earlier download left
 };
 

@@ -64,7 +64,7 @@ void SpeechModels::act(const QString& modelId) {
 
 void SpeechModels::startDownload(const std::string& id) {
     const auto offer = std::ranges::find(found_.models, id, &SpeechModelOffer::id);
-    if (offer == found_.models.end() || offer->isInstalled)
+    if (offer == found_.models.end() || offer->isInstalled || !offer->isListed)
         return;
     setProblem({});
     MainTask task = runDownload(id);

@@ -40,7 +40,8 @@ SpeechModelOffer offerOf(const InstalledSpeechModel& model, const SpeechModelSto
 
 SpeechModelOffer offerOf(const UnusableModelFile& file, const SpeechModelStore& store) {
     const SpeechModel* listed = file.listed ? store.catalogue().find(file.id) : nullptr;
-    SpeechModelOffer offer = listed ? offerOf(*listed, store) : SpeechModelOffer{.id = file.id};
+    SpeechModelOffer offer = listed ? offerOf(*listed, store) : SpeechModelOffer();
+    offer.id = file.id;
     offer.name = file.name;
     offer.isListed = file.listed;
     offer.isOwn = file.own;

@@ -54,6 +54,7 @@ class ModelsScript {
             model.isInstalled = true;
             model.isOwn = isOwn;
             model.partBytes = 0;
+            model.fault.clear();
             if (found.inUse.empty())
                 found.inUse = id;
         });
@@ -63,9 +64,19 @@ class ModelsScript {
             std::ranges::find(found.models, id, &SpeechModelOffer::id)->partBytes = bytes;
         });
     }
+    /// Its file is there, but no use.
+    void damage(const std::string& id, const std::string& fault, bool isOwn = true) {
+        change([&](SpeechModelsFound& found) {
+            SpeechModelOffer& model = *std::ranges::find(found.models, id, &SpeechModelOffer::id);
+            model.fault = fault;
+            model.isOwn = isOwn;
+        });
+    }
     void uninstall(const std::string& id) {
         change([&](SpeechModelsFound& found) {
-            std::ranges::find(found.models, id, &SpeechModelOffer::id)->isInstalled = false;
+            SpeechModelOffer& model = *std::ranges::find(found.models, id, &SpeechModelOffer::id);
+            model.isInstalled = false;
+            model.fault.clear();
             if (found.inUse == id)
                 found.inUse.clear();
         });

@@ -191,6 +191,55 @@ TEST_F(SpeechModelsOnScreen, theirOwnCanBeRemovedButNotTheSystems) {
     EXPECT_EQ(modelsScript_->calls(), std::vector<std::string>{"remove tiny"});
 }
 
+TEST_F(SpeechModelsOnScreen, whatCanNotBeUsedSaysWhyAndIsGotAgainOrRemoved) {
+    modelsScript_->damage("base", "“ggml-base.bin” is cut off.");
+    modelsScript_->damage("tiny", "“ggml-tiny.bin” is damaged.", false);
+    look();
+    EXPECT_EQ(row("base").detail, QStringLiteral("“ggml-base.bin” is cut off."));
+    EXPECT_TRUE(row("base").faulty);
+    EXPECT_FALSE(row("base").installed);
+    EXPECT_EQ(action("base"), "Install again");
+    EXPECT_EQ(row("base").secondText, QStringLiteral("Remove"));
+    EXPECT_EQ(row("base").secondName, QStringLiteral("Remove the file of Whisper base"));
+    EXPECT_EQ(action("tiny"), "Install again");
+    EXPECT_EQ(row("tiny").secondText, QString()) << "it is the system's";
+    EXPECT_FALSE(row("tiny").removes);
+    EXPECT_FALSE(models().hasInstalled());
+    EXPECT_TRUE(models().problem().isEmpty()) << "the row says it";
+    models().remove(QStringLiteral("base"));
+    runUntil([this] { return action("base") == "Install"; });
+    act("tiny");
+    runUntil([this] { return row("tiny").installed; });
+    EXPECT_EQ(modelsScript_->calls(), (std::vector<std::string>{"remove base", "download tiny"}));
+}
+
+TEST_F(SpeechModelsOnScreen, aFileThatNobodyHasAgainCanOnlyBeRemoved) {
+    modelsScript_->change([](auto& found) {
+        found.models.push_back(ModelsScript::offer("mine", "ggml-mine.bin", 0, 0, 0));
+        found.models.back().fault = "“ggml-mine.bin” is no model.";
+        found.models.back().isListed = false;
+        found.models.back().isOwn = true;
+    });
+    look();
+    EXPECT_EQ(action("mine"), "Remove");
+    EXPECT_TRUE(row("mine").removes);
+    EXPECT_EQ(row("mine").secondText, QString());
+    act("mine");
+    EXPECT_FALSE(models().isDownloading()) << "there is nowhere to download it from";
+}
+
+TEST_F(SpeechModelsOnScreen, theProgressOfGettingItAgainTakesThePlaceOfTheFault) {
+    modelsScript_->damage("base", "“ggml-base.bin” is cut off.");
+    beginDownload();
+    EXPECT_TRUE(row("base").downloading);
+    EXPECT_FALSE(row("base").faulty);
+    act("base");
+    runUntil([this] { return row("base").stopped; });
+    EXPECT_EQ(action("base"), "Resume");
+    EXPECT_EQ(row("base").secondText, QStringLiteral("Discard"));
+    EXPECT_FALSE(row("base").removes);
+}
+
 TEST_F(SpeechModelsOnScreen, aChosenFileIsCopiedWithProgress) {
     modelsScript_->add = [this](const auto& report, const auto& stop) {
         report(0.42);

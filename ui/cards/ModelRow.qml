@@ -14,11 +14,15 @@ FocusScope {
     required property string actionText
     required property string actionName
     required property string removalText
+    required property string secondText  // of the quiet button; empty where there is nothing more to do
+    required property string secondName
     required property bool recommended
     required property bool installed
     required property bool inUse
     required property bool downloading
     required property bool stopped
+    required property bool faulty  // a file is here that can't be used: the detail says why
+    required property bool removes  // what the button does, or the quiet one where there is one
     required property bool hasRadios  // some row has one, so that all leave room for it
     required property bool isFirst
 
@@ -29,17 +33,21 @@ FocusScope {
 
     property bool asking: false
     readonly property bool hasBar: downloading || stopped
+    readonly property bool hasSecond: secondText.length > 0
+    property bool askedBySecond: false
 
-    onInstalledChanged: asking = false
+    onRemovesChanged: asking = false
 
-    function ask() {
+    function ask(asker: Item) {
+        const reason = asker.visualFocus ? Qt.TabFocusReason : Qt.OtherFocusReason;
+        askedBySecond = asker === second;
         asking = true;
-        keep.forceActiveFocus(action.visualFocus ? Qt.TabFocusReason : Qt.OtherFocusReason);
+        keep.forceActiveFocus(reason);
     }
     function stopAsking() {
         const reason = keep.visualFocus || remove.visualFocus ? Qt.TabFocusReason : Qt.OtherFocusReason;
         asking = false;
-        action.forceActiveFocus(reason);
+        (askedBySecond ? second : action).forceActiveFocus(reason);
     }
 
     implicitHeight: 62
@@ -64,10 +72,10 @@ FocusScope {
         id: words
         anchors.left: parent.left
         anchors.leftMargin: row.hasRadios ? 44 : 14
-        anchors.right: row.asking ? keep.left : discard.visible ? discard.left : action.visible ? action.left : parent.right
+        anchors.right: row.asking ? keep.left : second.visible ? second.left : action.visible ? action.left : parent.right
         anchors.rightMargin: 14
         anchors.verticalCenter: parent.verticalCenter
-        height: title.height + 4 + second.height
+        height: title.height + 4 + below.height
 
         Text {
             id: title
@@ -104,7 +112,7 @@ FocusScope {
             }
         }
         Item {
-            id: second
+            id: below
             y: title.height + 4
             width: parent.width
             height: detailText.implicitHeight
@@ -116,8 +124,10 @@ FocusScope {
                 visible: !row.hasBar
                 text: row.asking ? row.removalText : row.detail
                 textFormat: Text.PlainText
+                wrapMode: row.faulty ? Text.Wrap : Text.NoWrap
+                maximumLineCount: 2
                 elide: Text.ElideRight
-                color: Theme.white(0.5)
+                color: row.faulty && !row.asking ? Theme.orange : Theme.white(0.5)
                 font.pixelSize: 12
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
@@ -151,17 +161,22 @@ FocusScope {
         }
     }
     LinkButton {
-        id: discard
-        objectName: "discard " + row.modelId
+        id: second
+        objectName: "second " + row.modelId
         anchors.right: action.left
         anchors.rightMargin: 14
         anchors.verticalCenter: parent.verticalCenter
-        visible: row.stopped && !row.asking
-        text: "Discard"
-        name: "Discard what has arrived of " + row.name
+        visible: row.hasSecond && !row.asking
+        text: row.secondText
+        name: row.secondName
         color: Theme.white(0.5)
         size: 12
-        onClicked: row.discarded()
+        onClicked: {
+            if (row.removes)
+                row.ask(second);
+            else
+                row.discarded();
+        }
     }
     // One button whatever is to be done, so that the keyboard stays where it is.
     PillButtonBody {
@@ -177,8 +192,8 @@ FocusScope {
         fillFrom: row.downloading ? Theme.stopHi : isNext ? Theme.accent : Theme.white(0.11)
         fillTo: row.downloading ? Theme.stopLo : isNext ? Theme.accentLo : Theme.white(0.11)
         onClicked: {
-            if (row.installed && !row.downloading)
-                row.ask();
+            if (row.removes && !row.hasSecond)
+                row.ask(action);
             else
                 row.acted();
         }

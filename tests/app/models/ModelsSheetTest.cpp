@@ -160,6 +160,21 @@ TEST_F(ModelsSheet, removingAsksOnce) {
     EXPECT_FALSE(find("use base"));
 }
 
+TEST_F(ModelsSheet, aDamagedModelIsRemovedOrGotAgain) {
+    modelsScript_->damage("base", "“ggml-base-q8_0.bin” is cut off: it isn’t all of a model.");
+    modelsScript_->damage("tiny", "“ggml-tiny-q8_0.bin” is damaged.");
+    open();
+    EXPECT_EQ(textOf("act base"), "Install again");
+    click("second base");
+    ASSERT_TRUE(hasKeyboard("keep base"));
+    click("remove base");
+    ASSERT_TRUE(until([this] { return textOf("act base") == "Install"; }));
+    tabTo("act tiny");
+    key(Qt::Key_Space);
+    ASSERT_TRUE(until([this] { return textOf("act tiny") == "Remove"; }));
+    EXPECT_EQ(modelsScript_->calls(), (std::vector<std::string>{"remove base", "download tiny"}));
+}
+
 TEST_F(ModelsSheet, theModelInUseIsChosenByItsDot) {
     modelsScript_->install("tiny");
     modelsScript_->install("base");

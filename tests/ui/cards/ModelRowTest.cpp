@@ -17,11 +17,15 @@ class ModelRow : public testing::Test {
                       {QStringLiteral("actionText"), QStringLiteral("Install")},
                       {QStringLiteral("actionName"), QStringLiteral("Install Whisper base")},
                       {QStringLiteral("removalText"), QStringLiteral("It can be installed again.")},
+                      {QStringLiteral("secondText"), QString()},
+                      {QStringLiteral("secondName"), QString()},
                       {QStringLiteral("recommended"), false},
                       {QStringLiteral("installed"), false},
                       {QStringLiteral("inUse"), false},
                       {QStringLiteral("downloading"), false},
                       {QStringLiteral("stopped"), false},
+                      {QStringLiteral("faulty"), false},
+                      {QStringLiteral("removes"), false},
                       {QStringLiteral("hasRadios"), false},
                       {QStringLiteral("isFirst"), true}}};
     QQuickItem& action_ = shown_.named("act base");
@@ -32,6 +36,7 @@ class ModelRow : public testing::Test {
         shown_.set("installed", true);
         shown_.set("hasRadios", true);
         shown_.set("actionText", QStringLiteral("Remove"));
+        shown_.set("removes", true);
     }
     void download() {
         shown_.set("downloading", true);
@@ -72,10 +77,38 @@ TEST_F(ModelRow, aDownloadTakesThePlaceOfTheDetails) {
 
 TEST_F(ModelRow, whatWasStoppedCanBeDiscarded) {
     QSignalSpy discarded(shown_.card.get(), SIGNAL(discarded()));
-    EXPECT_FALSE(shown_.named("discard base").isVisible());
+    EXPECT_FALSE(shown_.named("second base").isVisible());
     shown_.set("stopped", true);
-    shown_.click(shown_.named("discard base"));
+    shown_.set("secondText", QStringLiteral("Discard"));
+    shown_.click(shown_.named("second base"));
     EXPECT_EQ(discarded.size(), 1);
+}
+
+TEST_F(ModelRow, oneThatCanNotBeUsedSaysWhyAndIsGotAgainOrRemoved) {
+    const double height = shown_.card->height();
+    shown_.set("faulty", true);
+    shown_.set("detail", QStringLiteral("\"ggml-base-q8_0.bin\" is cut off: it isn't all of a model."));
+    shown_.set("actionText", QStringLiteral("Install again"));
+    shown_.set("secondText", QStringLiteral("Remove"));
+    shown_.set("secondName", QStringLiteral("Remove the file of Whisper base"));
+    shown_.set("removes", true);
+    EXPECT_EQ(shown_.card->height(), height);
+    EXPECT_FALSE(shown_.named("detail").property("truncated").toBool());
+    shown_.click(action_);
+    EXPECT_EQ(acted_.size(), 1);
+    QQuickItem& second = shown_.named("second base");
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&second)->text(QAccessible::Name),
+              QStringLiteral("Remove the file of Whisper base"));
+    shown_.focus(second);
+    shown_.key(Qt::Key_Space);
+    EXPECT_TRUE(shown_.saying("Remove Whisper base?").isVisible());
+    ASSERT_TRUE(shown_.named("keep base").hasActiveFocus());
+    shown_.key(Qt::Key_Escape);
+    EXPECT_TRUE(second.hasActiveFocus()) << "the keyboard goes back to where it was";
+    shown_.key(Qt::Key_Space);
+    shown_.click(shown_.named("remove base"));
+    EXPECT_EQ(removed_.size(), 1);
+    EXPECT_EQ(acted_.size(), 1);
 }
 
 TEST_F(ModelRow, removingAsksOnceAndEscapeKeeps) {

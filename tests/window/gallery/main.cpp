@@ -340,6 +340,24 @@ const std::map<std::string, Scene>& scenes() {
              s.until([&] { return s.view->speechModels()->addingFraction() > 0.3; });
              QTest::keyClick(s.window.get(), Qt::Key_Tab);
          }},
+        {"26-models-damaged",
+         [](Stage& s) {
+             s.models->install("tiny");
+             s.models->damage("base", "\"ggml-base-q8_0.bin\" is cut off: it isn't all of a model.");
+             s.models->damage("small",
+                              "\"ggml-small-q8_0.bin\" has weights of a kind that this program doesn't know.",
+                              false);
+             s.models->change([](auto& found) {
+                 found.models.push_back(
+                     ModelsScript::offer("mine", "ggml-some-model-of-my-own.bin", 0, 0, 0));
+                 found.models.back().fault =
+                     "\"ggml-some-model-of-my-own.bin\" is a model for English only; one for all languages "
+                     "is needed.";
+                 found.models.back().isListed = false;
+                 found.models.back().isOwn = true;
+             });
+             openModels(s);
+         }},
     };
     return all;
 }
