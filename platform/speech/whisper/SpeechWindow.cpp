@@ -36,6 +36,10 @@ void findVoice(SpeechWindow::Piece& piece) {
             std::min((std::distance(last, levels.db.rend()) - 1) * levels.step + levels.window, length);
 }
 
+bool continues(const SpeechWindow::Piece& piece, const SpeechStretch& stretch) {
+    return piece.stretch.endsInSpeech && stretch.beginsInSpeech && piece.stretch.end() == stretch.begin;
+}
+
 }  // namespace
 
 bool SpeechWindow::hasRoomFor(const SpeechStretch& stretch) const {
@@ -43,12 +47,28 @@ bool SpeechWindow::hasRoomFor(const SpeechStretch& stretch) const {
 }
 
 void SpeechWindow::add(SpeechStretch stretch) {
+    if (!isEmpty() && continues(pieces_.back(), stretch)) {
+        goOn(stretch);
+        return;
+    }
     Piece piece;
     piece.offset = std::ssize(samples_);
     samples_.insert(samples_.end(), stretch.samples.begin(), stretch.samples.end());
     piece.stretch = std::move(stretch);
     findVoice(piece);
     pieces_.push_back(std::move(piece));
+}
+
+void SpeechWindow::goOn(const SpeechStretch& stretch) {
+    auto& piece = pieces_.back();
+    const auto voiceBegin = piece.voiceBegin;
+    const auto& added = stretch.samples;
+    samples_.insert(samples_.end(), added.begin(), added.end());
+    piece.stretch.samples.insert(piece.stretch.samples.end(), added.begin(), added.end());
+    piece.stretch.floorDb = std::min(piece.stretch.floorDb, stretch.floorDb);
+    piece.stretch.endsInSpeech = stretch.endsInSpeech;
+    findVoice(piece);
+    piece.voiceBegin = voiceBegin;
 }
 
 std::size_t SpeechWindow::pieceOf(std::int64_t begin, std::int64_t end) const {

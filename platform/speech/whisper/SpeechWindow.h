@@ -29,10 +29,14 @@ class SpeechWindow {
         std::int64_t end() const { return offset + static_cast<std::int64_t>(stretch.samples.size()); }
         /// A sample of the window, which may be the piece's end, as a sample of the recording.
         std::int64_t inRecording(std::int64_t sample) const { return stretch.begin + sample - offset; }
+        /// Whether somebody speaks on beyond the edge, in a word perhaps.
+        bool beginsAtCut() const { return stretch.beginsInSpeech && voiceBegin == offset; }
+        bool endsAtCut() const { return stretch.endsInSpeech && voiceEnd == end(); }
     };
 
     bool isEmpty() const { return pieces_.empty(); }
     bool hasRoomFor(const SpeechStretch& stretch) const;
+    /// What goes on where the last piece was cut becomes part of it: the cut isn't there any more.
     void add(SpeechStretch stretch);
 
     /// What the recogniser is to hear: the pieces without a gap. Each has the silence of its edges, so a
@@ -46,6 +50,8 @@ class SpeechWindow {
     std::int64_t voiceIn(std::int64_t begin, std::int64_t end) const;
 
   private:
+    void goOn(const SpeechStretch& stretch);
+
     std::vector<float> samples_;
     std::vector<Piece> pieces_;
 };

@@ -19,7 +19,7 @@ struct PieceWords {
 
 /// The alignment says where tokens *end*: a word begins where the token before it ends, and the first word of
 /// all has no beginning. So the first and last word of a piece begin and end where its voice does, unless
-/// that is so far away that something else must have been heard there.
+/// that is so far away that something else must have been heard there, or a cut in mid-speech.
 ///
 /// Segments that the model itself takes for silence, and those that lie where nobody speaks, are dropped:
 /// text that was made up.
