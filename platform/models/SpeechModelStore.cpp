@@ -12,6 +12,7 @@
 #include "platform/models/ModelDownload.h"
 #include "platform/models/ModelError.h"
 #include "platform/models/ModelImport.h"
+#include "platform/models/VoiceModelFile.h"
 #include "platform/models/WhisperModelFile.h"
 
 namespace korvane {
@@ -80,6 +81,12 @@ InstalledSpeechModel describe(const SpeechModelCatalogue& catalogue, const fs::p
     return model;
 }
 
+/// \throws ModelError
+InstalledVoiceModel describeVoices(const SpeechModelCatalogue& catalogue, const fs::path& file, bool own) {
+    const auto bytes = readVoiceModel(file);
+    return {idOfFile(catalogue, file), file, bytes, own};
+}
+
 UnusableModelFile describeUnusable(const SpeechModelCatalogue& catalogue, const fs::path& file, bool own,
                                    std::string reason) {
     const auto* listed = listedAs(catalogue, file);
@@ -108,6 +115,7 @@ class Survey {
     }
 
     std::vector<InstalledSpeechModel> usable;
+    std::vector<InstalledVoiceModel> voices;
     std::vector<UnusableModelFile> unusable;
 
   private:
@@ -123,6 +131,11 @@ class Survey {
                         [&](const auto& model) { return model.file.filename() == file.filename(); }))
             return;
         try {
+            if (looksLikeVoiceModel(file)) {
+                voices.push_back(describeVoices(catalogue_, file, own));
+                makeUnique(voices.back().id, file);
+                return;
+            }
             usable.push_back(describe(catalogue_, file, own));
             makeUnique(usable.back().id, file);
         } catch (const ModelError& error) {
@@ -171,6 +184,12 @@ Choice choiceOf(const StandardFolders& folders) {
             object[QLatin1String("file")].toString().toStdString()};
 }
 
+[[noreturn]] void refuseVoices(const std::string& id) {
+    throw ModelError("The model \"" + id +
+                     "\" tells voices from other sounds and recognises no words; it is "
+                     "used beside one that does.");
+}
+
 void removeFile(const fs::path& file) {
     std::error_code error;
     fs::remove(file, error);
@@ -200,6 +219,10 @@ std::vector<UnusableModelFile> SpeechModelStore::unusable() const {
     return Survey(catalogue_, folders_).unusable;
 }
 
+std::vector<InstalledVoiceModel> SpeechModelStore::voiceModels() const {
+    return Survey(catalogue_, folders_).voices;
+}
+
 std::optional<InstalledSpeechModel> SpeechModelStore::find(std::string_view id) const {
     return withId(installed(), id);
 }
@@ -212,6 +235,8 @@ InstalledSpeechModel SpeechModelStore::resolve(const std::string& idOrFile) cons
     if (auto model = find(idOrFile))
         return *model;
     std::error_code error;
+    if (looksLikeVoiceModel(idOrFile) || withId(voiceModels(), idOrFile))
+        refuseVoices(idOrFile);
     if (!idOrFile.empty() && fs::exists(idOrFile, error))
         return describe(catalogue_, idOrFile, false);
     if (const auto file = findUnusable(idOrFile))
@@ -222,6 +247,16 @@ InstalledSpeechModel SpeechModelStore::resolve(const std::string& idOrFile) cons
 
 InstalledSpeechModel SpeechModelStore::add(const fs::path& file, const std::stop_token& stop,
                                            const std::function<void(double)>& progress) const {
+    if (looksLikeVoiceModel(file)) {
+        describeVoices(catalogue_, file, true);
+        const auto copy = importModelFile(file, folder(), catalogue_, stop, progress);
+        const auto added = describeVoices(catalogue_, copy, true);
+        return {.id = added.id,
+                .name = "Voice model " + added.id,
+                .file = copy,
+                .bytes = added.bytes,
+                .own = true};
+    }
     describe(catalogue_, file, false);
     const auto copy = importModelFile(file, folder(), catalogue_, stop, progress);
     for (auto& model : installed()) {
@@ -235,11 +270,12 @@ void SpeechModelStore::remove(std::string_view id) const {
     folder();  // says that there is none, which is more than that it holds no such model
     const Survey all(catalogue_, folders_);
     const auto model = withId(all.usable, id);
+    const auto voices = withId(all.voices, id);
     const auto unusable = withId(all.unusable, id);
-    if (!model && !unusable)
+    if (!model && !voices && !unusable)
         throw ModelError("There is no installed model \"" + std::string(id) + "\".");
-    const fs::path file = model ? model->file : unusable->file;
-    if (!(model ? model->own : unusable->own))
+    const fs::path file = model ? model->file : voices ? voices->file : unusable->file;
+    if (!(model ? model->own : voices ? voices->own : unusable->own))
         throw ModelError("The model \"" + std::string(id) + "\" is the system's, in \"" +
                          file.parent_path().string() + "\"; only an administrator can remove it.");
     removeFile(file);
@@ -268,6 +304,8 @@ std::optional<InstalledSpeechModel> SpeechModelStore::inUse() const {
 void SpeechModelStore::use(const std::string& id) const {
     const auto model = find(id);
     if (!model) {
+        if (withId(voiceModels(), id))
+            refuseVoices(id);
         const auto file = findUnusable(id);
         throw ModelError(file ? file->reason : "There is no installed model \"" + id + "\".");
     }

@@ -25,6 +25,14 @@ struct InstalledSpeechModel {
     bool own = false;  ///< in the person's folder, so it can be removed
 };
 
+/// A model that tells voices from other sounds, for use beside one that recognises.
+struct InstalledVoiceModel {
+    std::string id;  ///< made of the file's name
+    std::filesystem::path file;
+    std::uint64_t bytes = 0;
+    bool own = false;  ///< in the person's folder, so it can be removed
+};
+
 /// A file among the models that can't be used: cut off while it was copied, damaged, for English only.
 struct UnusableModelFile {
     std::string id;    ///< the catalogue's, else made of the file's name
@@ -54,6 +62,9 @@ class SpeechModelStore {
     std::vector<InstalledSpeechModel> installed() const;
     /// The other model files there, without those whose id an installed model has.
     std::vector<UnusableModelFile> unusable() const;
+    /// Whole models that tell voices from other sounds, the person's own first; the first is the one that is
+    /// used. None of them is among the others, and none can be chosen to recognise.
+    std::vector<InstalledVoiceModel> voiceModels() const;
     std::optional<InstalledSpeechModel> find(std::string_view id) const;
     std::optional<UnusableModelFile> findUnusable(std::string_view id) const;
 
@@ -63,7 +74,7 @@ class SpeechModelStore {
 
     /// Copies a file that the person has into the own folder. A file with a known digest gets its own name
     /// there, another keeps the one that it has; an older one of the same name is replaced. Appears only when
-    /// it is whole.
+    /// it is whole. A voice model is taken in too, and described by what an InstalledVoiceModel has.
     /// \param progress  called on this thread with the share that is done, 0 to 1; may be null.
     /// \throws ModelError, CancellationError; then nothing has changed.
     InstalledSpeechModel add(const std::filesystem::path& file, const std::stop_token& stop = {},

@@ -1,5 +1,7 @@
 #include "platform/speech/InstalledSpeechEngines.h"
 
+#include <filesystem>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -31,7 +33,14 @@ std::unique_ptr<SpeechEngine> makeWhisper(const SpeechChoice& choice) {
     FindWhisperModel find = [store] { return store.inUse(); };
     if (choice.model)
         find = [model = store.resolve(*choice.model)] { return std::optional(model); };
-    return std::make_unique<WhisperEngine>(std::move(find), whisperSettingsHere());
+    auto settings = whisperSettingsHere();
+    settings.findVoiceModel = [store]() -> std::optional<std::filesystem::path> {
+        const auto models = store.voiceModels();
+        if (models.empty())
+            return std::nullopt;
+        return models.front().file;
+    };
+    return std::make_unique<WhisperEngine>(std::move(find), std::move(settings));
 }
 
 }  // namespace

@@ -23,8 +23,8 @@ struct HeardEntry {
 class PocketSphinxDecoder {
   public:
     /// Loads the model: about 0.3 s and 110 MB, uninterruptible. One at a time; the others wait.
-    /// \throws RecognitionError when it can't be loaded, CancellationError when a stop was requested before its
-    /// turn.
+    /// \throws RecognitionError when it can't be loaded, CancellationError when a stop was requested before
+    /// its turn.
     static std::unique_ptr<PocketSphinxDecoder> load(const PocketSphinxModel& model,
                                                      const std::stop_token& stop);
     ~PocketSphinxDecoder();

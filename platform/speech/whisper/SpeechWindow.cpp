@@ -46,29 +46,36 @@ bool SpeechWindow::hasRoomFor(const SpeechStretch& stretch) const {
     return isEmpty() || std::ssize(samples_) + std::ssize(stretch.samples) <= longest;
 }
 
-void SpeechWindow::add(SpeechStretch stretch) {
-    if (!isEmpty() && continues(pieces_.back(), stretch)) {
-        goOn(stretch);
+void SpeechWindow::add(VoicedPart part) {
+    if (!isEmpty() && continues(pieces_.back(), part.stretch)) {
+        goOn(part);
         return;
     }
     Piece piece;
     piece.offset = std::ssize(samples_);
-    samples_.insert(samples_.end(), stretch.samples.begin(), stretch.samples.end());
-    piece.stretch = std::move(stretch);
+    samples_.insert(samples_.end(), part.stretch.samples.begin(), part.stretch.samples.end());
+    piece.stretch = std::move(part.stretch);
     findVoice(piece);
+    const auto inWindow = [&](std::int64_t sample) { return piece.offset + sample - piece.stretch.begin; };
+    if (part.voiceBegin)
+        piece.voiceBegin = inWindow(*part.voiceBegin);
+    if (part.voiceEnd)
+        piece.voiceEnd = inWindow(*part.voiceEnd);
     pieces_.push_back(std::move(piece));
 }
 
-void SpeechWindow::goOn(const SpeechStretch& stretch) {
+void SpeechWindow::goOn(const VoicedPart& part) {
     auto& piece = pieces_.back();
     const auto voiceBegin = piece.voiceBegin;
-    const auto& added = stretch.samples;
+    const auto& added = part.stretch.samples;
     samples_.insert(samples_.end(), added.begin(), added.end());
     piece.stretch.samples.insert(piece.stretch.samples.end(), added.begin(), added.end());
-    piece.stretch.floorDb = std::min(piece.stretch.floorDb, stretch.floorDb);
-    piece.stretch.endsInSpeech = stretch.endsInSpeech;
+    piece.stretch.floorDb = std::min(piece.stretch.floorDb, part.stretch.floorDb);
+    piece.stretch.endsInSpeech = part.stretch.endsInSpeech;
     findVoice(piece);
     piece.voiceBegin = voiceBegin;
+    if (part.voiceEnd)
+        piece.voiceEnd = piece.offset + *part.voiceEnd - piece.stretch.begin;
 }
 
 std::size_t SpeechWindow::pieceOf(std::int64_t begin, std::int64_t end) const {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/speech/SpeechStretches.h"
+#include "platform/speech/whisper/VoicedParts.h"
 
 namespace korvane {
 
@@ -37,7 +38,7 @@ class SpeechWindow {
     bool isEmpty() const { return pieces_.empty(); }
     bool hasRoomFor(const SpeechStretch& stretch) const;
     /// What goes on where the last piece was cut becomes part of it: the cut isn't there any more.
-    void add(SpeechStretch stretch);
+    void add(VoicedPart part);
 
     /// What the recogniser is to hear: the pieces without a gap. Each has the silence of its edges, so a
     /// pause between two stays a pause.
@@ -50,7 +51,7 @@ class SpeechWindow {
     std::int64_t voiceIn(std::int64_t begin, std::int64_t end) const;
 
   private:
-    void goOn(const SpeechStretch& stretch);
+    void goOn(const VoicedPart& part);
 
     std::vector<float> samples_;
     std::vector<Piece> pieces_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -77,6 +78,9 @@ WhisperSettings whisperSettingsHere() {
     settings.command = whisperCommand();
     settings.threads = physicalCores();
     settings.memoryIsShort = [] { return memoryIsShort(); };
+    settings.log = [](const std::string& sentence) {
+        std::fprintf(stderr, "korvane: %s\n", sentence.c_str());
+    };
     return settings;
 }
 
@@ -101,7 +105,9 @@ SpeechSupport WhisperEngine::support(const Locale& locale) const {
     if (whisperLanguage(locale).empty())
         return {false, "Whisper doesn't know this language."};
     if (!hasWorker_)
-        return {false, "This build comes without Whisper: ./run builds it anew with it where the library can be had."};
+        return {
+            false,
+            "This build comes without Whisper: ./run builds it anew with it where the library can be had."};
     const auto model = model_();
     if (!model)
         return {false, "Install a Whisper model: korvane-cli models list shows which there are."};

@@ -17,6 +17,9 @@ std::string fingerprint(const std::filesystem::path& file) {
     return file.string() + '\n' + std::to_string(size) + '\n' + std::to_string(written);
 }
 
+constexpr const char* brokenOff =
+    "The model that tells voices from other sounds isn't used any more: the worker broke off over it.";
+
 }  // namespace
 
 WhisperKeeper::Loan::Loan(WhisperKeeper& keeper, std::filesystem::path model, std::stop_token stop)
@@ -36,6 +39,52 @@ WhisperWorker& WhisperKeeper::Loan::worker() {
     if (!worker_)
         worker_ = &keeper_.workerWith(model_, stop_);
     return *worker_;
+}
+
+std::optional<std::vector<double>> WhisperKeeper::Loan::voicesIn(std::span<const float> samples) {
+    if (!hasVoices_)
+        hasVoices_ = hasVoices();
+    if (!*hasVoices_)
+        return std::nullopt;
+    try {
+        return worker().findVoices(samples, stop_);
+    } catch (const VoiceModelError& error) {
+        keeper_.spoilVoices(keeper_.loadedVoices_, error.what());
+        hasVoices_ = false;
+        return std::nullopt;
+    } catch (const RecognitionError&) {
+        keeper_.spoilVoices(keeper_.loadedVoices_, brokenOff);
+        throw;
+    }
+}
+
+/// Sees to it that the worker has the model, if there is one.
+bool WhisperKeeper::Loan::hasVoices() {
+    const auto file = keeper_.settings_.findVoiceModel();
+    if (!file)
+        return false;
+    auto& with = worker();
+    const auto wanted = fingerprint(*file);
+    if (wanted == keeper_.spoiledVoices_)
+        return false;
+    if (wanted == keeper_.loadedVoices_)
+        return true;
+    try {
+        with.loadVoices(*file, stop_);
+        keeper_.loadedVoices_ = wanted;
+        return true;
+    } catch (const VoiceModelError& error) {
+        keeper_.spoilVoices(wanted, error.what());
+        return false;
+    } catch (const RecognitionError&) {
+        keeper_.spoilVoices(wanted, brokenOff);
+        throw;
+    }
+}
+
+void WhisperKeeper::spoilVoices(std::string fingerprint, const std::string& sentence) {
+    spoiledVoices_ = std::move(fingerprint);
+    settings_.log(sentence + " Only the loudness of the sound tells where somebody speaks.");
 }
 
 void WhisperKeeper::Loan::takeTurn() {
@@ -72,6 +121,7 @@ WhisperWorker& WhisperKeeper::workerWith(const std::filesystem::path& model, con
     old.reset();
     auto made = std::make_unique<WhisperWorker>(settings_.command, model, settings_.threads,
                                                 settings_.patience, stop);
+    loadedVoices_.clear();
     const std::lock_guard lock(mutex_);
     loaded_ = std::move(wanted);
     worker_ = std::move(made);

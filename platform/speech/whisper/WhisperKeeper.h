@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -25,6 +26,10 @@ struct WhisperSettings {
     std::chrono::milliseconds idle{std::chrono::minutes(5)};  ///< how long an unused worker is kept
     std::chrono::milliseconds look{std::chrono::seconds(5)};  ///< how often memory is looked at meanwhile
     std::function<bool()> memoryIsShort = [] { return false; };
+    /// The model that tells voices from other sounds, looked up anew each time; none when there is none.
+    std::function<std::optional<std::filesystem::path>()> findVoiceModel = [] { return std::nullopt; };
+    /// Gets a sentence about what goes on without anyone having to know.
+    std::function<void(const std::string&)> log = [](const std::string&) {};
 };
 
 /// Any thread. Outlives its loans.
@@ -44,6 +49,7 @@ class WhisperKeeper {
     using Clock = std::chrono::steady_clock;
 
     WhisperWorker& workerWith(const std::filesystem::path& model, const std::stop_token& stop);
+    void spoilVoices(std::string fingerprint, const std::string& sentence);
     void keepHouse(const std::stop_token& stop);
 
     const WhisperSettings settings_;
@@ -52,6 +58,9 @@ class WhisperKeeper {
     std::list<int> turns_;  // whoever is in front has the worker
     std::unique_ptr<WhisperWorker> worker_;
     std::string loaded_;  // the file that it has loaded, as it was then
+    // Only whoever has the worker looks at these:
+    std::string loadedVoices_;   // likewise; empty: none
+    std::string spoiledVoices_;  // the one that didn't work, and isn't tried again
     Clock::time_point unusedSince_;
     std::jthread housekeeping_;
 };
@@ -69,7 +78,14 @@ class WhisperKeeper::Loan {
     /// \throws RecognitionError when there is no worker to be had; CancellationError.
     WhisperWorker& worker();
 
+    /// The chance that somebody speaks, 0 to 1, for each whisper::voiceFrame samples; nothing when no model
+    /// for that is installed, or it can't be used, which is logged once. Waits as worker() does.
+    /// \throws RecognitionError when the worker fails at it, and the model isn't used any more;
+    /// CancellationError.
+    std::optional<std::vector<double>> voicesIn(std::span<const float> samples);
+
   private:
+    bool hasVoices();
     void takeTurn();
     void leave();
 
@@ -78,6 +94,7 @@ class WhisperKeeper::Loan {
     const std::stop_token stop_;
     std::optional<std::list<int>::iterator> turn_;
     WhisperWorker* worker_ = nullptr;
+    std::optional<bool> hasVoices_;  // whether the worker can tell voices apart; not yet known: nothing
 };
 
 }  // namespace korvane

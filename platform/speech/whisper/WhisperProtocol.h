@@ -7,14 +7,18 @@
 //
 //   to the worker                          from the worker
 //   load THREADS BYTES  path               hello VERSION                  once, when it has started
-//                                          loaded BACKEND                 after load
+//   voices BYTES  path                     loaded BACKEND                 after load and voices
 //   recognise ID LANGUAGE BYTES  samples   alive ID                       now and then while it works
 //                                          segment ID START END SILENCE   chance that nobody speaks, 0 to 1
 //                                          token END CHANCE BYTES  text   of the last segment
+//   find ID BYTES  samples                 chances ID BYTES  chances      that somebody speaks, a byte for
+//   each
+//                                                                         voiceFrame samples, 255 for 1
 //                                          done ID                        the end of a request,
 //   stop ID                                stopped ID                     or this,
-//                                          failed KIND BYTES  sentence    or this, also after load
+//                                          failed KIND BYTES  sentence    or this, also after load, voices
 //
+// "voices" loads the model that "find" needs, which tells voices from other sounds.
 // One request at a time. The worker ends when its input does, whatever it is doing.
 #pragma once
 
@@ -27,15 +31,18 @@
 
 namespace korvane::whisper {
 
-inline constexpr int protocolVersion = 1;
+inline constexpr int protocolVersion = 2;
 inline constexpr int rateHz = 16000;
 inline constexpr std::size_t longestLine = 200;  ///< without the line feed
 inline constexpr std::size_t longestText = 4096;
 inline constexpr std::size_t longestPath = 64 * 1024;
 inline constexpr std::int64_t longestSound = 60 * rateHz;  ///< samples in a request
+inline constexpr std::int64_t voiceFrame = 512;            ///< samples
+static_assert(longestSound / voiceFrame < static_cast<std::int64_t>(longestText));
 
-/// What failed: the model file, the memory, or the library.
+/// What failed: the model file, the memory, the library, or what has to do with telling voices apart.
 namespace failure {
+inline constexpr std::string_view voices = "voices";
 inline constexpr std::string_view model = "model";
 inline constexpr std::string_view memory = "memory";
 inline constexpr std::string_view engine = "engine";

@@ -56,10 +56,20 @@ std::vector<RecognizedSegment> WhisperTranscription::of(AudioDecoder& recording)
 
 void WhisperTranscription::takeStretches() {
     while (auto stretch = stretches_.next()) {
-        if (!window_.hasRoomFor(*stretch))
-            recognizeWindow();
-        window_.add(std::move(*stretch));
+        const auto chances = loan_.voicesIn(stretch->samples);
+        if (!chances) {
+            take({std::move(*stretch)});
+            continue;
+        }
+        for (auto& part : voicedParts(*stretch, *chances))
+            take(std::move(part));
     }
+}
+
+void WhisperTranscription::take(VoicedPart part) {
+    if (!window_.hasRoomFor(part.stretch))
+        recognizeWindow();
+    window_.add(std::move(part));
 }
 
 void WhisperTranscription::recognizeWindow() {

@@ -27,6 +27,7 @@ class WhisperTranscription {
 
   private:
     void takeStretches();
+    void take(VoicedPart part);
     void recognizeWindow();
 
     WhisperKeeper::Loan& loan_;

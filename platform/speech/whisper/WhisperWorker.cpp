@@ -54,7 +54,7 @@ WhisperWorker::WhisperWorker(const std::vector<std::string>& command, std::files
                              int threads, const WhisperPatience& patience, const std::stop_token& stop) try
     : model_(std::move(model)), patience_(patience), process_(command, environment) {
     greet(stop);
-    load(threads, stop);
+    backend_ = load(makeLine("load", threads, model_.native().size()), model_, stop);
     isUsable_ = true;
 } catch (const std::system_error& error) {
     throw RecognitionError("Whisper can't be started: " + error.code().message() + ".");
@@ -73,23 +73,77 @@ void WhisperWorker::greet(const std::stop_token& stop) {
             "The program and its Whisper worker are of different versions. Install them again.");
 }
 
-void WhisperWorker::load(int threads, const std::stop_token& stop) {
+std::string WhisperWorker::load(const std::string& request, const std::filesystem::path& file,
+                                const std::stop_token& stop) {
     deadline_ = Clock::now() + patience_.load;
-    const auto& path = model_.native();
-    send(makeLine("load", threads, path.size()) + path, stop);
+    send(request + file.native(), stop);
     const auto message = next(stop);
     Line line(message.line);
     const auto verb = line.word();
     if (verb == "failed")
         failed(message);
-    backend_ = line.word();
+    const std::string backend(line.word());
     if (verb != "loaded" || !line.isComplete())
         talkedNonsense();
+    return backend;
+}
+
+void WhisperWorker::loadVoices(const std::filesystem::path& file, const std::stop_token& stop) {
+    checkCancelled(stop);
+    isUsable_ = false;
+    voices_ = file.filename().string();
+    try {
+        load(makeLine("voices", file.native().size()), file, stop);
+        isUsable_ = true;
+    } catch (const CancellationError&) {
+        process_.end();  // soon done, but who knows
+        throw;
+    }
 }
 
 std::vector<WhisperSegment> WhisperWorker::recognize(std::span<const float> samples,
                                                      const std::string& language,
                                                      const std::stop_token& stop) {
+    std::vector<WhisperSegment> segments;
+    const auto take = [&](Message& message) {
+        Line line(message.line);
+        const auto verb = line.word();
+        if (verb == "segment") {
+            line.number(request_, request_);
+            segments.push_back(readSegment(line));
+        } else if (verb == "token" && !segments.empty()) {
+            segments.back().tokens.push_back(readToken(line, std::move(message.text)));
+        } else {
+            talkedNonsense();
+        }
+        if (!line.isComplete())
+            talkedNonsense();
+    };
+    ask("recognise", " " + language, samples, take, stop);
+    return segments;
+}
+
+std::vector<double> WhisperWorker::findVoices(std::span<const float> samples, const std::stop_token& stop) {
+    const auto frames = (samples.size() + whisper::voiceFrame - 1) / whisper::voiceFrame;
+    std::vector<double> chances;
+    const auto take = [&](Message& message) {
+        Line line(message.line);
+        const auto verb = line.word();
+        line.number(request_, request_);
+        line.number(frames, frames);
+        if (verb != "chances" || !line.isComplete() || !chances.empty())
+            talkedNonsense();
+        for (const char chance : message.text)
+            chances.push_back(static_cast<unsigned char>(chance) / 255.0);
+    };
+    ask("find", "", samples, take, stop);
+    if (chances.size() != frames)
+        talkedNonsense();
+    return chances;
+}
+
+void WhisperWorker::ask(const std::string& verb, const std::string& about, std::span<const float> samples,
+                        const Take& take, const std::stop_token& stop) {
     checkCancelled(stop);
     isUsable_ = false;  // until the request has come to a proper end
     ++request_;
@@ -97,12 +151,11 @@ std::vector<WhisperSegment> WhisperWorker::recognize(std::span<const float> samp
     const auto bytes = std::as_bytes(samples);
     bool isSent = false;
     try {
-        send(makeLine("recognise", request_, language, bytes.size()), stop);
+        send(makeLine(verb, std::to_string(request_) + about, bytes.size()), stop);
         send({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, stop);
         isSent = true;
-        auto segments = receive(stop);
+        receive(take, stop);
         isUsable_ = true;
-        return segments;
     } catch (const CancellationError&) {
         if (isSent)
             giveUp();
@@ -115,8 +168,7 @@ std::vector<WhisperSegment> WhisperWorker::recognize(std::span<const float> samp
     }
 }
 
-std::vector<WhisperSegment> WhisperWorker::receive(const std::stop_token& stop) {
-    std::vector<WhisperSegment> segments;
+void WhisperWorker::receive(const Take& take, const std::stop_token& stop) {
     for (int pieces = 0; pieces < mostTokens;) {
         auto message = next(stop);
         // Whatever it says, it lives.
@@ -125,24 +177,16 @@ std::vector<WhisperSegment> WhisperWorker::receive(const std::stop_token& stop) 
         const auto verb = line.word();
         if (verb == "failed")
             failed(message);
-        if (verb == "token") {
-            if (segments.empty())
-                talkedNonsense();
-            segments.back().tokens.push_back(readToken(line, std::move(message.text)));
+        if (verb != "done" && verb != "alive") {
+            take(message);
             ++pieces;
-        } else {
-            line.number(request_, request_);
-            if (verb == "segment") {
-                segments.push_back(readSegment(line));
-                ++pieces;
-            } else if (verb == "done" && line.isComplete()) {
-                return segments;
-            } else if (verb != "alive") {
-                talkedNonsense();
-            }
+            continue;
         }
+        line.number(request_, request_);
         if (!line.isComplete())
             talkedNonsense();
+        if (verb == "done")
+            return;
     }
     talkedNonsense();
 }
@@ -156,7 +200,7 @@ void WhisperWorker::giveUp() {
             const auto message = next({});
             Line line(message.line);
             const auto verb = line.word();
-            if (verb == "alive" || verb == "segment" || verb == "token")
+            if (verb == "alive" || verb == "segment" || verb == "token" || verb == "chances")
                 continue;
             isUsable_ = (verb == "stopped" || verb == "done") &&
                         line.number(request_, request_) == request_ && line.isComplete();
@@ -196,7 +240,7 @@ std::optional<WhisperWorker::Message> WhisperWorker::takeWhole() {
         return std::nullopt;
     const std::string_view line(heard_.data(), end);
     std::size_t bytes = 0;
-    if (line.starts_with("token ") || line.starts_with("failed ")) {
+    if (line.starts_with("token ") || line.starts_with("failed ") || line.starts_with("chances ")) {
         Line last(line.substr(line.rfind(' ') + 1));
         bytes = last.number<std::size_t>(0, whisper::longestText);
         if (!last.isComplete())
@@ -235,8 +279,10 @@ void WhisperWorker::failed(const Message& message) {
     line.word();
     const auto kind = line.word();
     const auto& why = message.text;
-    // Of a language that it doesn't know nothing has come to harm.
-    isUsable_ = kind == whisper::failure::language;
+    // Of a language that it doesn't know nothing has come to harm, nor of a model beside the one that it has.
+    isUsable_ = kind == whisper::failure::language || kind == whisper::failure::voices;
+    if (kind == whisper::failure::voices)
+        throw VoiceModelError("The model \"" + voices_ + "\" can't tell voices from other sounds. " + why);
     const auto name = "'" + model_.filename().string() + "'";
     if (kind == whisper::failure::memory)
         throw RecognitionError("There is not enough memory for the Whisper model " + name +

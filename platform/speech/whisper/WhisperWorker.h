@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -12,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/speech/SpeechRecognizer.h"
 #include "platform/speech/whisper/WhisperHeard.h"
 #include "platform/speech/whisper/WorkerProcess.h"
 
@@ -23,6 +25,12 @@ struct WhisperPatience {
     std::chrono::milliseconds load{std::chrono::minutes(3)};    ///< of a model from a slow disk
     std::chrono::milliseconds work{std::chrono::minutes(3)};    ///< between two signs of life
     std::chrono::milliseconds stop{400};                        ///< for a request to end that was stopped
+};
+
+/// The model that tells voices from other sounds can't be used; the worker can.
+class VoiceModelError : public RecognitionError {
+  public:
+    using RecognitionError::RecognitionError;
 };
 
 /// Owned by one thread at a time.
@@ -42,6 +50,14 @@ class WhisperWorker {
     std::vector<WhisperSegment> recognize(std::span<const float> samples, const std::string& language,
                                           const std::stop_token& stop);
 
+    /// Loads the model that tells voices from other sounds, in place of the one that it had.
+    /// \throws VoiceModelError, RecognitionError, CancellationError
+    void loadVoices(const std::filesystem::path& file, const std::stop_token& stop);
+
+    /// The chance that somebody speaks, 0 to 1, for each whisper::voiceFrame samples of up to a minute of
+    /// mono sound at 16 kHz. Needs loadVoices. \throws as recognize does, and VoiceModelError.
+    std::vector<double> findVoices(std::span<const float> samples, const std::stop_token& stop);
+
     /// Whether it can take another request.
     bool isUsable() { return isUsable_ && process_.isRunning(); }
     const std::filesystem::path& model() const { return model_; }
@@ -56,9 +72,17 @@ class WhisperWorker {
         std::string text;  ///< that follows it
     };
 
+    /// Takes what is said between a request and its end; throws what it likes.
+    using Take = std::function<void(Message& message)>;
+
     void greet(const std::stop_token& stop);
-    void load(int threads, const std::stop_token& stop);
-    std::vector<WhisperSegment> receive(const std::stop_token& stop);
+    /// \return what computes with it.
+    std::string load(const std::string& request, const std::filesystem::path& file,
+                     const std::stop_token& stop);
+    /// \param about  what stands between the request's number and its samples.
+    void ask(const std::string& verb, const std::string& about, std::span<const float> samples,
+             const Take& take, const std::stop_token& stop);
+    void receive(const Take& take, const std::stop_token& stop);
     void send(std::span<const char> bytes, const std::stop_token& stop);
     /// The next one, whole: what a stop interrupts can be read on from afterwards.
     Message next(const std::stop_token& stop);
@@ -80,6 +104,7 @@ class WhisperWorker {
     std::string heard_;  // read and not yet looked at
     Clock::time_point deadline_;
     std::int64_t request_ = -1;  // the one that it works on
+    std::string voices_;         // the file's name
     bool isUsable_ = false;
 };
 

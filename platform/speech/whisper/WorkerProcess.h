@@ -44,8 +44,8 @@ class WorkerProcess {
     bool isRunning();
     /// Ends it now.
     void end();
-    /// What it ended with once it has closed its pipes, as waitpid tells it; nothing when it goes on living for
-    /// so long.
+    /// What it ended with once it has closed its pipes, as waitpid tells it; nothing when it goes on living
+    /// for so long.
     std::optional<int> endOfItself(std::chrono::milliseconds patience);
 
     pid_t id() const { return id_; }

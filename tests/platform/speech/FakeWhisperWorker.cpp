@@ -3,7 +3,8 @@
 //   korvane-fake-whisper BEHAVIOUR [MARK]
 //
 // With MARK, a file, it misbehaves only while that file isn't there, and makes it when it comes to that: so
-// the next one is well behaved. A well-behaved one hears "one two" in every request, at 0.5 and 1.0 s.
+// the next one is well behaved. A well-behaved one hears "one two" in every request, at 0.5 and 1.0 s, and
+// finds a voice everywhere.
 #include <unistd.h>
 
 #include <chrono>
@@ -107,6 +108,28 @@ void answer(std::int64_t id) {
     misbehave("idle");
 }
 
+void find(std::int64_t id, std::size_t samples) {
+    const auto number = std::to_string(id);
+    misbehave("finding");
+    auto frames = (samples + korvane::whisper::voiceFrame - 1) / korvane::whisper::voiceFrame;
+    if (isTold("spoiled-voices"))
+        return say("failed voices 8\nSpoiled.");
+    if (isTold("few-chances"))
+        --frames;
+    const std::string chances(frames, isTold("no-voices") ? '\0' : '\xFF');
+    if (!isTold("no-chances"))
+        say("chances " + number + " " + std::to_string(frames) + "\n" + chances);
+    misbehave("found");
+    say("done " + number + "\n");
+}
+
+/// With its path, which is skipped.
+void load(Line& line, const std::string& what, const std::string& failure) {
+    skip(line.number<std::size_t>(1, 65536));
+    misbehave(what);
+    say(isTold("bad-" + failure) ? "failed " + failure + " 12\nIt is broken" : "loaded Fake\n");
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -120,18 +143,24 @@ int main(int count, char** arguments) {
     say("hello " + std::to_string(isTold("other-version") ? 77 : korvane::whisper::protocolVersion) + "\n");
     if (isTold("deaf"))
         sleepForever();
+    bool hadVoices = false;
     for (std::string text; std::getline(std::cin, text);) {
         Line line(text);
         const auto verb = line.word();
         if (verb == "load") {
             line.number(1, 1024);
-            skip(line.number<std::size_t>(1, 65536));
-            misbehave("loading");
-            if (isTold("bad-model"))
-                say("failed model 12\nIt is broken");
-            else
-                say("loaded Fake\n");
+            load(line, "loading", "model");
             misbehave("loaded");
+        } else if (verb == "voices") {
+            if (hadVoices && isTold("voices-again"))
+                std::_Exit(4);
+            hadVoices = true;
+            load(line, "voices", "voices");
+        } else if (verb == "find") {
+            const auto id = line.number<std::int64_t>(0, 1000000);
+            const auto bytes = line.number<std::size_t>(0, 100000000);
+            skip(bytes);
+            find(id, bytes / sizeof(float));
         } else if (verb == "recognise") {
             const auto id = line.number<std::int64_t>(0, 1000000);
             line.word();

@@ -8,8 +8,8 @@
 namespace korvane {
 
 /// While it lives, a thread of its own wants to run every two milliseconds. How late it comes is how late any
-/// thread comes here: what is measured beside it can leave that out. On a machine with nothing else to do that
-/// is nothing, and a limit stays as sharp as it is.
+/// thread comes here: what is measured beside it can leave that out. On a machine with nothing else to do
+/// that is nothing, and a limit stays as sharp as it is.
 class StarvedTime {
   public:
     using Clock = std::chrono::steady_clock;

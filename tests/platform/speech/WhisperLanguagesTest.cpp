@@ -223,14 +223,15 @@ TEST_F(WhisperLanguages, whatTheModelItselfTakesForSilenceIsDropped) {
 
 TEST_F(WhisperLanguages, aRestTooShortToAlignEndsNothing) {
     // The library listens on after a pair of time stamps, and would end its process where what is left is
-    // shorter than its filter. It counts 0.01 s less than there is: from 0.35 s on a rest is listened to, from
-    // 0.16 s on it could be aligned, up to 0.1 s it is nothing; and a time stamp has to lie 0.16 s behind the
-    // last.
+    // shorter than its filter. It counts 0.01 s less than there is: from 0.35 s on a rest is listened to,
+    // from 0.16 s on it could be aligned, up to 0.1 s it is nothing; and a time stamp has to lie 0.16 s
+    // behind the last.
     struct Rest {
         int hundredths, endFrame;
     };
-    for (const auto& [length, end] : {Rest{60, 7}, Rest{60, 9}, Rest{200, 60}, Rest{200, 82}, Rest{200, 83},
-                                      Rest{200, 91}, Rest{200, 92}, Rest{200, 94}, Rest{200, 95}, Rest{200, 99}}) {
+    for (const auto& [length, end] :
+         {Rest{60, 7}, Rest{60, 9}, Rest{200, 60}, Rest{200, 82}, Rest{200, 83}, Rest{200, 91}, Rest{200, 92},
+          Rest{200, 94}, Rest{200, 95}, Rest{200, 99}}) {
         const std::vector<float> sound(static_cast<std::size_t>(length) * 160);
         ScriptedModel script{{{" One", end, true}}};
         script.textContext = 32;  // of a model that is denied its time stamp the library tries everything

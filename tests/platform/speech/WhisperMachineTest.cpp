@@ -36,8 +36,7 @@ TEST_F(MemoryPressureTest, memoryIsShortWhenLessThanATenthIsLeft) {
 TEST_F(MemoryPressureTest, memoryIsShortWhenProgramsWaitForIt) {
     machine("pressure/memory", "some avg10=0.50 avg60=9.00 avg300=0.00 total=1\nfull avg10=9.00 avg60=0\n");
     EXPECT_FALSE(isShort());
-    machine("pressure/memory",
-            "some avg10=12.25 avg60=0.00 avg300=0.00 total=1\nfull avg10=0.00 avg60=0\n");
+    machine("pressure/memory", "some avg10=12.25 avg60=0.00 avg300=0.00 total=1\nfull avg10=0.00 avg60=0\n");
     EXPECT_TRUE(isShort());
 }
 
@@ -134,7 +133,8 @@ TEST(WhisperRest, whatCannotBeAlignedIsNeverLeftToTheLibraryAndHardlyMore) {
             const auto left = length - begin;
             const bool may = whisper::canBeAligned(100 * begin / length, length);
             ASSERT_TRUE(!may || left >= whisper::shortestAligned) << begin << " of " << length;
-            ASSERT_TRUE(may || left < whisper::shortestAligned + length / 100 + 1) << begin << " of " << length;
+            ASSERT_TRUE(may || left < whisper::shortestAligned + length / 100 + 1)
+                << begin << " of " << length;
         }
     }
 }

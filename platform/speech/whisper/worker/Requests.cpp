@@ -8,9 +8,22 @@
 #include <limits>
 #include <utility>
 
-#include "platform/speech/whisper/WhisperProtocol.h"
-
 namespace korvane::whisper {
+namespace {
+
+std::optional<Task> taskOf(std::string_view verb) {
+    if (verb == "load")
+        return Task::load;
+    if (verb == "voices")
+        return Task::loadVoices;
+    if (verb == "recognise")
+        return Task::recognise;
+    if (verb == "find")
+        return Task::findVoices;
+    return std::nullopt;
+}
+
+}  // namespace
 
 Requests::Requests(int input) : input_(input) {
     std::thread([this] { read(); }).detach();
@@ -35,41 +48,48 @@ void Requests::read() {
 }
 
 void Requests::handle(const std::string& text) {
-    constexpr auto most = std::numeric_limits<std::int64_t>::max();
     Line line(text);
     const auto verb = line.word();
     if (verb == "stop") {
-        const auto id = line.number<std::int64_t>(0, most);
+        const auto id = line.number<std::int64_t>(0, std::numeric_limits<std::int64_t>::max());
         if (!line.isComplete())
             leave(2);
         stopped_ = id;
         return;
     }
-    Request request;
-    std::size_t bytes = 0;
-    request.loads = verb == "load";
-    if (request.loads) {
-        request.threads = line.number(1, 1024);
-        bytes = line.number<std::size_t>(1, longestPath);
-    } else {
-        request.id = line.number<std::int64_t>(0, most);
-        request.language = line.word();
-        bytes = line.number<std::size_t>(0, longestSound * sizeof(float));
-    }
-    if (!line.isComplete() || (!request.loads && (verb != "recognise" || bytes % sizeof(float) != 0)))
+    const auto task = taskOf(verb);
+    if (!task)
         leave(2);
-    if (request.loads) {
+    auto request = readRequest(line, *task);
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(request));
+    }
+    arrived_.notify_one();
+}
+
+Request Requests::readRequest(Line& line, Task task) {
+    Request request;
+    request.task = task;
+    const bool loads = task == Task::load || task == Task::loadVoices;
+    if (task == Task::load)
+        request.threads = line.number(1, 1024);
+    if (!loads)
+        request.id = line.number<std::int64_t>(0, std::numeric_limits<std::int64_t>::max());
+    if (task == Task::recognise)
+        request.language = line.word();
+    const auto bytes =
+        line.number<std::size_t>(loads ? 1 : 0, loads ? longestPath : longestSound * sizeof(float));
+    if (!line.isComplete() || (!loads && bytes % sizeof(float) != 0))
+        leave(2);
+    if (loads) {
         request.path.resize(bytes);
         readBytes(request.path.data(), bytes);
     } else {
         request.samples.resize(bytes / sizeof(float));
         readBytes(request.samples.data(), bytes);
     }
-    {
-        const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(request));
-    }
-    arrived_.notify_one();
+    return request;
 }
 
 std::string Requests::readLine() {

@@ -11,10 +11,14 @@
 #include <thread>
 #include <vector>
 
+#include "platform/speech/whisper/WhisperProtocol.h"
+
 namespace korvane::whisper {
 
+enum class Task { load, loadVoices, recognise, findVoices };
+
 struct Request {
-    bool loads = false;  ///< else: recognises
+    Task task = Task::load;
     int threads = 0;
     std::string path;
     std::int64_t id = 0;
@@ -36,6 +40,7 @@ class Requests {
   private:
     void read();
     void handle(const std::string& line);
+    Request readRequest(Line& line, Task task);
     std::string readLine();
     void readBytes(void* to, std::size_t count);
     [[noreturn]] static void leave(int code);

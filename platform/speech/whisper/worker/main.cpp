@@ -23,6 +23,7 @@
 #include "platform/speech/whisper/WhisperProtocol.h"
 #include "platform/speech/whisper/worker/Model.h"
 #include "platform/speech/whisper/worker/Requests.h"
+#include "platform/speech/whisper/worker/Voices.h"
 
 namespace korvane::whisper {
 namespace {
@@ -112,30 +113,64 @@ class Pulse {
     std::jthread thread_;
 };
 
-void recognise(Model& model, const Request& request, const Requests& requests, Answers& answers) {
+/// What is loaded at present.
+struct Loaded {
+    std::optional<Model> model;
+    std::optional<Voices> voices;
+};
+
+[[noreturn]] void askedTooEarly() {
+    throw Failure(failure::engine, "It was asked before it had a model.");
+}
+
+void recognise(Loaded& loaded, const Request& request, const Requests& requests, Answers& answers) {
+    if (!loaded.model)
+        askedTooEarly();
     answers.begin(request.id);
     const auto isStopped = [&] { return requests.isStopped(request.id); };
     const bool whole = [&] {
         const Pulse pulse(answers);
-        return model.recognise(request.samples, request.language, isStopped, answers);
+        return loaded.model->recognise(request.samples, request.language, isStopped, answers);
     }();
     answers.send(makeLine(whole ? "done" : "stopped", request.id));
 }
 
+void findVoices(Loaded& loaded, const Request& request, const Requests& requests, Answers& answers) {
+    if (!loaded.voices)
+        askedTooEarly();
+    answers.begin(request.id);
+    const auto chances = [&] {
+        const Pulse pulse(answers);
+        return loaded.voices->chancesIn(request.samples);
+    }();
+    if (requests.isStopped(request.id))
+        return answers.send(makeLine("stopped", request.id));
+    answers.send(makeLine("chances", request.id, chances.size()) + chances);
+    answers.send(makeLine("done", request.id));
+}
+
+void answer(Loaded& loaded, const Request& request, const Requests& requests, Answers& answers) {
+    switch (request.task) {
+        case Task::load:
+            loaded.model.reset();
+            loaded.model.emplace(request.path, request.threads);
+            return answers.send(makeLine("loaded", loaded.model->backend()));
+        case Task::loadVoices:
+            loaded.voices.reset();
+            loaded.voices.emplace(request.path);
+            return answers.send(makeLine("loaded", "CPU"));
+        case Task::recognise:
+            return recognise(loaded, request, requests, answers);
+        case Task::findVoices:
+            return findVoices(loaded, request, requests, answers);
+    }
+}
+
 [[noreturn]] void serve(Requests& requests, Answers& answers) {
-    std::optional<Model> model;
+    Loaded loaded;
     for (;;) {
-        const auto request = requests.next();
         try {
-            if (request.loads) {
-                model.reset();
-                model.emplace(request.path, request.threads);
-                answers.send(makeLine("loaded", model->backend()));
-            } else if (model) {
-                recognise(*model, request, requests, answers);
-            } else {
-                answers.failed(failure::engine, "It was asked before it had a model.");
-            }
+            answer(loaded, requests.next(), requests, answers);
         } catch (const Failure& failed) {
             answers.failed(failed.kind(), failed.what());
         } catch (const std::bad_alloc&) {
