@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/speech/SpeechRecognizer.h"
+#include "platform/speech/whisper/WhisperMessages.h"
 #include "platform/speech/whisper/WhisperProtocol.h"
 #include "platform/tasks/Cancellation.h"
 
@@ -17,6 +18,9 @@ namespace {
 
 using whisper::Line;
 using whisper::makeLine;
+using whisper::readChances;
+using whisper::readSegment;
+using whisper::readToken;
 
 /// Far more than a minute of sound holds; a worker that says more has lost its mind.
 constexpr int mostTokens = 20000;
@@ -27,26 +31,6 @@ const std::vector<std::string> environment{
     // too, they turn while the one that they wait for can't run. Measured: five to ten times as fast there.
     "OMP_WAIT_POLICY=passive",
 };
-
-/// Hundredths of a second that can't be far off; the rest is for whoever uses them to sort out.
-constexpr std::int64_t farAway = 100 * 3600;
-
-WhisperToken readToken(Line& line, std::string text) {
-    WhisperToken token;
-    token.aligned = line.number(-farAway, farAway);
-    token.probability = line.number(0.0, 1.0);
-    token.bytes = std::move(text);
-    line.number<std::size_t>(token.bytes.size(), token.bytes.size());
-    return token;
-}
-
-WhisperSegment readSegment(Line& line) {
-    WhisperSegment segment;
-    segment.start = line.number(-farAway, farAway);
-    segment.end = line.number(-farAway, farAway);
-    segment.silence = line.number(0.0, 1.0);
-    return segment;
-}
 
 }  // namespace
 
@@ -133,8 +117,7 @@ std::vector<double> WhisperWorker::findVoices(std::span<const float> samples, co
         line.number(frames, frames);
         if (verb != "chances" || !line.isComplete() || !chances.empty())
             talkedNonsense();
-        for (const char chance : message.text)
-            chances.push_back(static_cast<unsigned char>(chance) / 255.0);
+        chances = readChances(message.text);
     };
     ask("find", "", samples, take, stop);
     if (chances.size() != frames)
