@@ -91,6 +91,9 @@ bool isInSilence(const WhisperSegment& segment, const std::vector<HeardToken>& t
     auto begin = tokens.front().begin;
     auto end = tokens.back().end;
     if (end - begin < frame) {
+        // Times that run back say nothing, of silence neither.
+        if (segment.end < segment.start)
+            return false;
         begin = std::min(begin, toSamples(segment.start, window)) - frame;
         end = std::max(end, toSamples(segment.end, window)) + frame;
     }
