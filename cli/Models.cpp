@@ -88,11 +88,19 @@ CommandOutput list(const SpeechModelStore& store) {
         widest = std::max(widest, widthOf(row.id));
     for (const auto& file : unusable)
         widest = std::max(widest, widthOf(file.id));
+    const auto voices = store.voiceModels();
+    for (const auto& model : voices)
+        widest = std::max(widest, widthOf(model.id));
     for (const auto& row : rows) {
         output.result += leftIn(row.id, widest) + rightIn(byteText(row.bytes), 8) + ", " +
                          rightIn(byteText(row.memoryBytes), 6) + " of memory, " +
                          speedText(expectedSpeed(row.operationsPerSecond, Machine::here())) +
                          (row.state.empty() ? "" : "; " + row.state) + "\n";
+    }
+    for (const auto& model : voices) {
+        output.result += leftIn(model.id, widest) + rightIn(byteText(model.bytes), 8) +
+                         ", tells voices from music and noise" +
+                         (model.file == voices.front().file ? "; in use" : "") + "\n";
     }
     for (const auto& file : unusable) {
         const auto help = wayOut(file);
