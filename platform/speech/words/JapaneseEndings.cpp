@@ -1,6 +1,7 @@
 #include "platform/speech/words/JapaneseEndings.h"
 
 #include <algorithm>
+#include <string>
 
 namespace korvane {
 namespace {
@@ -27,7 +28,7 @@ constexpr Text surestEndings[] = {u"ます", u"ま", u"た", u"て", u"ない", 
 constexpr Text longEndings[] = {u"ました",   u"ません",   u"ましょう", u"しょう", u"ください", u"なかっ",
                                 u"なかった", u"なければ", u"ければ",   u"られる", u"られた",   u"させる",
                                 u"させて",   u"たかった", u"ている",   u"ていた", u"ており",   u"てます",
-                                u"ちゃう",   u"ちゃった", u"そうだ",   u"かった"};
+                                u"ちゃう",   u"ちゃった", u"んじゃ",   u"そうだ", u"かった"};
 // What makes verbs and persons of nouns: "勉強した", "田中さん".
 constexpr Text nounEndings[] = {u"した", u"して", u"しま", u"しよ", u"しよう", u"しない", u"すれ", u"され",
                                 u"さん", u"たち", u"さま", u"くん", u"ちゃん", u"がた",   u"しい", u"しく"};
@@ -100,11 +101,13 @@ bool isHidden(const JapaneseWord& word, Text piece, Text behind) {
 }
 
 /// Goes on with a piece that `isHidden`, and with others that are particles only by themselves.
-bool goesOnHidden(const JapaneseWord& word, Text piece) {
-    constexpr Text ofDoing[] = {u"り", u"ら", u"る", u"れ", u"ろ"};
+bool goesOnHidden(const JapaneseWord& word, Text piece, Text behind) {
+    constexpr Text ofDoing[] = {u"り", u"ら", u"る", u"れ", u"ろ", u"ば"};
+    constexpr Text ofReceiving[] = {u"らっ", u"らい", u"らえ", u"らわ", u"らお"};
     if (word.whole != word.last)
         return true;
     return (word.last == u"や" && startsWithOne(ofDoing, piece)) ||
+           (word.last == u"も" && startsWithOne(ofReceiving, std::u16string(piece).append(behind))) ||
            (word.last == u"な" && piece.starts_with(u'け'));
 }
 
@@ -112,7 +115,8 @@ bool goesOnHidden(const JapaneseWord& word, Text piece) {
 bool takesVoiced(const JapaneseWord& word, Text piece, Text behind) {
     const auto length = word.whole.size();
     if (word.last.ends_with(u'ん'))
-        return word.last == u"ん" || word.last == u"せん" || (length >= 2 && isKanji(word.whole[length - 2]));
+        return word.last == u"ん" || word.last.ends_with(u"せん") ||
+               (length >= 2 && isKanji(word.whole[length - 2]));
     if (word.last.ends_with(u"ない"))
         return piece == u"で" && !behind.starts_with(u'し') && !behind.starts_with(u'す');
     return length >= 2 && word.whole.ends_with(u'い') &&
@@ -141,6 +145,8 @@ bool continuesJapanese(const JapaneseWord& word, Text piece, Text behind) {
     const auto last = word.last;
     if (last.empty() || isPrefix(last))
         return !last.empty();
+    if (last == u"頑" && piece.starts_with(u'張'))
+        return true;
     if (!isHiragana(piece) || piece.empty() || isPrefix(piece))
         return false;
     if (isHidden(word, piece, behind))
@@ -153,7 +159,7 @@ bool continuesJapanese(const JapaneseWord& word, Text piece, Text behind) {
         return true;  // "でした", "でしょう"
     if (holds(helpers, piece))
         return last.ends_with(u'て') || (last.ends_with(u'で') && word.whole.size() > 1);
-    if (holds(standing, piece) || (holds(standing, last) && !goesOnHidden(word, piece)))
+    if (holds(standing, piece) || (holds(standing, last) && !goesOnHidden(word, piece, behind)))
         return false;
     if (const auto length = nounLength(last); length > 0)
         return takesNounEnding(word, piece, length);

@@ -186,7 +186,10 @@ class Unspoken {
         return i == 0 || contains(sentenceEnds, at(i - 1));
     }
     /// A small letter before and a capital behind: "(coughs) Hello", but "(really) he said" and "*I* am".
+    /// What has a full stop of its own is a sentence: "*Never*!"
     bool endsSentence(std::size_t inner, std::size_t last) const {
+        if (last < characters_.size() && contains(sentenceEnds, at(last)))
+            return false;
         while (last < characters_.size() && characters_[last].isSpace())
             ++last;
         if (last == characters_.size())

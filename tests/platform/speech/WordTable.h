@@ -65,6 +65,8 @@ inline const std::vector<WordCase>& wordCases() {
         {"en-US", " Um (um) I (laughing nervously) mean (I love music). (Speaking foreign language)",
          "Um|I|mean|(I|love|music)."},
         {"en-US", " >> Hello. >> Hi a >> b", "Hello.|Hi|a|b"},
+        {"en-US", " \"*Never*,\" she said. *Never*! (Yes) I know.",
+         "\"Never,\"|she|said.|Never!|(Yes)|I|know."},
         {"en-US", " P!nk came.Yes!No and yes!no", "P!nk|came.Yes!|No|and|yes!|no"},
 
         {"ru-RU", " Привет, мир!", "Привет,|мир!"},
@@ -177,6 +179,10 @@ inline const std::vector<WordCase>& wordCases() {
          "歌っていた。|行ってきた。|見せてもらった。|やってみる"},
         {"ja-JP", "急いで行った。忘れないで。犬いる。早くして",
          "急いで|行った。|忘れないで。|犬|いる。|早く|して"},
+        {"ja-JP", "彼にもらった。すみませんでした。それやばくない",
+         "彼|に|もらった。|すみませんでした。|それ|やばくない"},
+        {"ja-JP", "頑張ってください。飲んじゃった。猫もらくだも",
+         "頑張ってください。|飲んじゃった。|猫|も|らくだ|も"},
         {"ja-JP", "「行きました」と言う。3か月、3ヶ月前", "「行きました」|と|言う。|3か月、|3ヶ月|前"},
     };
     return cases;
