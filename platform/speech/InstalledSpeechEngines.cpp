@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/models/SpeechModelStore.h"
+#include "platform/models/VoiceModelFile.h"
 #include "platform/speech/whisper/WhisperEngine.h"
 
 #if KORVANE_HAS_POCKETSPHINX
@@ -28,18 +29,24 @@ void check(const SpeechChoice& choice) {
         throw RecognitionError("A model can be chosen for the engine whisper only.");
 }
 
+/// A damaged one where there is no whole one: the engine says why it does without.
+std::optional<std::filesystem::path> voiceModelOf(const SpeechModelStore& store) {
+    for (const auto& model : store.voiceModels())
+        return model.file;
+    for (const auto& file : store.unusable()) {
+        if (looksLikeVoiceModel(file.file))
+            return file.file;
+    }
+    return std::nullopt;
+}
+
 std::unique_ptr<SpeechEngine> makeWhisper(const SpeechChoice& choice) {
     const SpeechModelStore store(StandardFolders::of(processEnvironment()));
     FindWhisperModel find = [store] { return store.inUse(); };
     if (choice.model)
         find = [model = store.resolve(*choice.model)] { return std::optional(model); };
     auto settings = whisperSettingsHere();
-    settings.findVoiceModel = [store]() -> std::optional<std::filesystem::path> {
-        const auto models = store.voiceModels();
-        if (models.empty())
-            return std::nullopt;
-        return models.front().file;
-    };
+    settings.findVoiceModel = [store] { return voiceModelOf(store); };
     return std::make_unique<WhisperEngine>(std::move(find), std::move(settings));
 }
 

@@ -17,8 +17,7 @@ std::string fingerprint(const std::filesystem::path& file) {
     return file.string() + '\n' + std::to_string(size) + '\n' + std::to_string(written);
 }
 
-constexpr const char* brokenOff =
-    "The model that tells voices from other sounds isn't used any more: the worker broke off over it.";
+constexpr const char* brokenOff = "The voice model isn't used any more: the worker broke off over it.";
 
 }  // namespace
 

@@ -265,7 +265,8 @@ void WhisperWorker::failed(const Message& message) {
     // Of a language that it doesn't know nothing has come to harm, nor of a model beside the one that it has.
     isUsable_ = kind == whisper::failure::language || kind == whisper::failure::voices;
     if (kind == whisper::failure::voices)
-        throw VoiceModelError("The model \"" + voices_ + "\" can't tell voices from other sounds. " + why);
+        throw VoiceModelError("The voice model" + (why.starts_with('"') ? "" : " \"" + voices_ + "\"") +
+                              " isn't used. " + why);
     const auto name = "'" + model_.filename().string() + "'";
     if (kind == whisper::failure::memory)
         throw RecognitionError("There is not enough memory for the Whisper model " + name +
