@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/speech/NoiseReduction.h"
 #include "platform/speech/SpeechStretches.h"
 #include "platform/speech/WordTimes.h"
 #include "platform/speech/pocketsphinx/PocketSphinxDecoder.h"
@@ -67,7 +68,7 @@ class Transcription {
 
     void recognize(const SpeechStretch& stretch) {
         const std::int64_t frame = rateHz_ / 100;
-        const auto samples = toSixteenBits(stretch.samples);
+        const auto samples = toSixteenBits(withoutNoise(stretch.samples, rateHz_));
         // The decoder takes the microphone's colour from what it has heard before, which at first is nothing.
         if (std::exchange(isFirst_, false))
             decoder_->recognize(samples, stop_);

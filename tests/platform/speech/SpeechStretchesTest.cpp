@@ -153,6 +153,20 @@ TEST(SpeechStretches, aVoiceOverMusicIsCutIntoPiecesNeverLost) {
     EXPECT_GE(seconds(covered), 3.9);
 }
 
+TEST(SpeechStretches, musicThatNobodySpeaksOverHasNoStretch) {
+    for (const double db : {-50.0, -30.0, -15.0})
+        EXPECT_TRUE(stretchesOf(sound::music(20.0, db)).empty()) << db;
+}
+
+TEST(SpeechStretches, aWordOverMusicIsFoundAndTheMusicAroundItIsNot) {
+    auto samples = sound::music(40.0, -35.0);
+    sound::addVoice(samples, 20.0, 20.5, -15.0);
+    const auto found = stretchesOf(samples);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_LE(found[0].begin, 20 * rateHz);
+    EXPECT_GE(found[0].end(), 20 * rateHz + rateHz / 2);
+}
+
 TEST(SpeechStretches, anHourTakesNoMoreMemoryThanAMinute) {
     SpeechStretches finder(rateHz);
     auto minute = sound::background(60.0, -60.0);

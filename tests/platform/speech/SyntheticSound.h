@@ -58,4 +58,26 @@ inline std::vector<float> tone(double seconds, double hz, double db) {
     return samples;
 }
 
+/// Chords of plucked strings, one after the other without a rest.
+inline std::vector<float> music(double seconds, double db) {
+    constexpr double chords[][3] = {{220.0, 261.6, 329.6}, {174.6, 220.0, 261.6}, {196.0, 246.9, 293.7}};
+    constexpr double beat = 0.5;
+    std::vector<float> samples(static_cast<std::size_t>(seconds * rateHz));
+    double sum = 0.0;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const double t = static_cast<double>(i) / rateHz;
+        const auto& chord = chords[static_cast<std::size_t>(t / (4 * beat)) % 3];
+        const double decay = std::exp(-2.0 * std::fmod(t, beat));
+        for (const double pitch : chord)
+            for (int harmonic = 1; harmonic <= 6; ++harmonic)
+                samples[i] += static_cast<float>(decay / harmonic *
+                                                 std::sin(2.0 * std::numbers::pi * pitch * harmonic * t));
+        sum += static_cast<double>(samples[i]) * samples[i];
+    }
+    const double gain = amplitude(db) / std::sqrt(sum / static_cast<double>(samples.size()));
+    for (auto& sample : samples)
+        sample = static_cast<float>(sample * gain);
+    return samples;
+}
+
 }  // namespace korvane::sound
