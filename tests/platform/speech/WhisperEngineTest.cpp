@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "tests/platform/speech/StarvedTime.h"
 #include "tests/platform/speech/WhisperEngineFixture.h"
 
 namespace korvane {
@@ -140,10 +141,11 @@ TEST_F(WhisperEngineTest, cancellingAtEachStageAnswersAtOnceAndTheNextOneWorks) 
             [&](const auto& result, const auto& error) { arrived.set_value(outcomeOf(result, error)); });
         ASSERT_TRUE(comesTrue([&] { return std::filesystem::exists(with.command.back()); })) << stage;
         std::this_thread::sleep_for(30ms);  // somewhere in it: each moment must do
+        const StarvedTime starved;
         const auto start = Clock::now();
         task->cancel();
         EXPECT_TRUE(arrived.get_future().get().cancelled) << stage;
-        EXPECT_LT(Clock::now() - start, 300ms) << stage;
+        EXPECT_LT(Clock::now() - start - starved.sum(), 300ms) << stage;
         task.reset();
         EXPECT_EQ(recognize(whisper).words, oneTwo) << stage;
     }
@@ -195,10 +197,11 @@ TEST_F(WhisperEngineTest, oneThatWaitsForItsTurnIsCancelledAtOnce) {
     const auto working = start(first);
     ASSERT_TRUE(comesTrue([&] { return whisper.keeper().processId() != 0; }));
     auto waiting = start(second);
+    const StarvedTime starved;
     const auto now = Clock::now();
     waiting.reset();
     EXPECT_TRUE(second.get_future().get().cancelled);
-    EXPECT_LT(Clock::now() - now, 300ms);
+    EXPECT_LT(Clock::now() - now - starved.sum(), 300ms);
     working->cancel();
     EXPECT_TRUE(first.get_future().get().cancelled);
     EXPECT_EQ(recognize(whisper).words, oneTwo);
