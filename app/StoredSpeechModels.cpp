@@ -90,6 +90,7 @@ void StoredSpeechModels::download(const std::string& id,
     DownloadOptions options;
     options.proxy = proxyOf_(model.address, stop);
     downloadModel(model, store, stop, progress, options);
+    store.useFromNow(id);
 }
 
 void StoredSpeechModels::discard(const std::string& id) {
@@ -99,7 +100,8 @@ void StoredSpeechModels::discard(const std::string& id) {
 
 void StoredSpeechModels::add(const std::filesystem::path& file, const std::function<void(double)>& progress,
                              const std::stop_token& stop) {
-    store().add(file, stop, progress);
+    const SpeechModelStore store = this->store();
+    store.useFromNow(store.add(file, stop, progress).id);
 }
 
 void StoredSpeechModels::remove(const std::string& id) {

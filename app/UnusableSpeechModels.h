@@ -28,7 +28,8 @@ class UnusableSpeechModels final : public SpeechModelServices {
     void use(const std::string&) override { refuse(); }
 
     static constexpr const char* kWhy =
-        "This Korvane was built without Whisper, so it can’t use speech models. Build it again with the Whisper "
+        "This Korvane was built without Whisper, so it can’t use speech models. Build it again with the "
+        "Whisper "
         "library: ./run fetches it where it can.";
 
   private:

@@ -146,6 +146,7 @@ CommandOutput install(const ModelsRequest& request, const SpeechModelStore& stor
     options.proxy = request.proxy;
     try {
         const auto file = downloadModel(*model, store, stop, progress, options);
+        store.useFromNow(model->id);
         return {{},
                 "Installed " + model->name + ", " + byteText(model->bytes) + ", as " + file.string() + "."};
     } catch (const ModelError& error) {
@@ -185,6 +186,7 @@ CommandOutput add(const std::string& file, const SpeechModelStore& store, const 
         context.queue.post(
             [&console = context.console, share] { console.showProgress(Phase::copyingModel, share); });
     });
+    store.useFromNow(model.id);
     return {{}, "Added " + model.name + ", " + byteText(model.bytes) + ", as " + model.file.string() + "."};
 }
 

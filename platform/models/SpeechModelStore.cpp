@@ -318,4 +318,13 @@ void SpeechModelStore::use(const std::string& id) const {
                          (folders_.configHome / "korvane").string() + "\".");
 }
 
+void SpeechModelStore::useFromNow(const std::string& id) const {
+    if (!find(id))
+        return;
+    try {
+        use(id);
+    } catch (const ModelError&) {
+    }
+}
+
 }  // namespace korvane

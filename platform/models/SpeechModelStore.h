@@ -90,6 +90,9 @@ class SpeechModelStore {
     /// Chooses it, for this and later runs. \throws ModelError when it isn't installed, can't be used, or the
     /// choice can't be kept.
     void use(const std::string& id) const;
+    /// For a model that somebody has just got, as it was got to be used: chooses it if it recognises. A
+    /// choice that can't be kept is no reason to call the model missing.
+    void useFromNow(const std::string& id) const;
 
   private:
     StandardFolders folders_;

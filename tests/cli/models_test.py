@@ -240,6 +240,7 @@ class Models(Case):
         subprocess.run([WRITER, other, " hallo@1"], check=True)
         _, err = self.run_cli("models", "add", other)
         self.assertIn("Added Whisper mine", err)
+        self.assertIn("in use", self.listed()["mine"])  # it was added to be used
         for name in ("test", "mine"):
             self.run_cli("models", "use", name)
             self.assertIn("in use", self.listed()[name])

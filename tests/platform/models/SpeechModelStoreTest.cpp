@@ -185,6 +185,18 @@ TEST_F(SpeechModelStoreTest, theChosenModelIsRememberedWhileItIsInstalled) {
     EXPECT_THAT(refusal([&] { store().use("larger"); }), HasSubstr("no installed model"));
 }
 
+TEST_F(SpeechModelStoreTest, whatSomebodyHasJustGotIsUsed) {
+    folder.file(systems + "ggml-known.bin", small);
+    folder.file(own + "ggml-larger.bin", larger);
+    ASSERT_EQ(store().inUse()->id, "known") << "the best one, which the administrator has installed";
+    store().useFromNow("larger");
+    EXPECT_EQ(store().inUse()->id, "larger");
+    store().useFromNow("a voice model");
+    EXPECT_EQ(store().inUse()->id, "larger");
+    store().remove("larger");
+    EXPECT_EQ(store().inUse()->id, "known");
+}
+
 TEST_F(SpeechModelStoreTest, aDamagedChoiceIsNone) {
     folder.file(own + "ggml-known.bin", small);
     for (const std::string text : {"", "{", "[]", R"({"id": 5})", R"({"id": "gone"})"}) {
