@@ -3,15 +3,26 @@
 #include <algorithm>
 #include <fstream>
 #include <string>
-#include <vector>
 
 namespace korvane {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// From the process's own group up to the mounted one.
-std::vector<fs::path> ownGroups(const fs::path& proc, const fs::path& groups) {
+template <class T>
+void tighten(std::optional<T>& limit, T other) {
+    limit = limit ? std::min(*limit, other) : other;
+}
+
+void readMemory(const fs::path& file, ResourceLimits& limits) {
+    // Where it says "max" instead of a number, there is no limit.
+    if (std::uint64_t bytes = 0; std::ifstream(file) >> bytes)
+        tighten(limits.memoryBytes, bytes);
+}
+
+}  // namespace
+
+std::vector<fs::path> ownControlGroups(const fs::path& proc, const fs::path& groups) {
     constexpr std::string_view versionTwo = "0::/";
     std::ifstream memberships(proc / "self" / "cgroup");
     std::vector<fs::path> found;
@@ -30,22 +41,9 @@ std::vector<fs::path> ownGroups(const fs::path& proc, const fs::path& groups) {
     return found;
 }
 
-template <class T>
-void tighten(std::optional<T>& limit, T other) {
-    limit = limit ? std::min(*limit, other) : other;
-}
-
-void readMemory(const fs::path& file, ResourceLimits& limits) {
-    // Where it says "max" instead of a number, there is no limit.
-    if (std::uint64_t bytes = 0; std::ifstream(file) >> bytes)
-        tighten(limits.memoryBytes, bytes);
-}
-
-}  // namespace
-
 ResourceLimits controlGroupLimits(const fs::path& proc, const fs::path& groups) {
     ResourceLimits limits;
-    for (const auto& group : ownGroups(proc, groups)) {
+    for (const auto& group : ownControlGroups(proc, groups)) {
         // Above "high" programs are slowed down to a crawl, at "max" one of them is ended.
         readMemory(group / "memory.high", limits);
         readMemory(group / "memory.max", limits);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace korvane {
 
@@ -12,9 +13,13 @@ struct ResourceLimits {
     std::optional<double> processors;  ///< of processor time: 0.5 is half of one
 };
 
-/// The tightest limits of the control groups (version 2) from this process's own up to the mounted one. What
-/// can't be read limits nothing. Any thread; at once.
+/// The control groups (version 2) of this process, from its own up to the mounted one; none where there are
+/// none. Any thread; at once.
 /// \param groups  where they are mounted.
+std::vector<std::filesystem::path> ownControlGroups(const std::filesystem::path& proc = "/proc",
+                                                    const std::filesystem::path& groups = "/sys/fs/cgroup");
+
+/// The tightest limits of those groups. What can't be read limits nothing. Any thread; at once.
 ResourceLimits controlGroupLimits(const std::filesystem::path& proc = "/proc",
                                   const std::filesystem::path& groups = "/sys/fs/cgroup");
 

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/models/ControlGroup.h"
+
 namespace korvane {
 namespace {
 
@@ -58,26 +60,11 @@ bool groupIsShort(const fs::path& group) {
     return isFull || programsWait(group / "memory.pressure");
 }
 
-/// The groups from the process's own up to the mounted one: each may have a limit, and the tightest counts.
-bool anyGroupIsShort(const fs::path& proc, const fs::path& groups) {
-    const auto own = textAfter(proc / "self" / "cgroup", "0::/");
-    if (!own)
-        return false;
-    auto path = fs::path(*own).lexically_normal();
-    // Outside of what this container may see, where the mounted one is all that concerns it.
-    if (path.begin() != path.end() && *path.begin() == "..")
-        path.clear();
-    for (; !path.empty() && path != "."; path = path.parent_path()) {
-        if (groupIsShort(groups / path))
-            return true;
-    }
-    return groupIsShort(groups);
-}
-
 }  // namespace
 
 bool memoryIsShort(const fs::path& proc, const fs::path& groups) {
-    return machineIsShort(proc) || anyGroupIsShort(proc, groups);
+    const auto own = ownControlGroups(proc, groups);  // each may have a limit, and the tightest counts
+    return machineIsShort(proc) || std::any_of(own.begin(), own.end(), groupIsShort);
 }
 
 }  // namespace korvane
