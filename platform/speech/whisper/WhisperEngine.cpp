@@ -77,6 +77,7 @@ WhisperSettings whisperSettingsHere() {
     WhisperSettings settings;
     settings.command = whisperCommand();
     settings.threads = physicalCores();
+    settings.useCard = whisperMayUseCard();
     settings.memoryIsShort = [] { return memoryIsShort(); };
     settings.log = [](const std::string& sentence) {
         std::fprintf(stderr, "korvane: %s\n", sentence.c_str());

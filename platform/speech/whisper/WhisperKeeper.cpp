@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/speech/whisper/WhisperProgram.h"
 #include "platform/tasks/Cancellation.h"
 
 namespace korvane {
@@ -35,9 +36,31 @@ WhisperKeeper::Loan::~Loan() {
 WhisperWorker& WhisperKeeper::Loan::worker() {
     if (!turn_)
         takeTurn();
-    if (!worker_)
+    if (worker_)
+        return *worker_;
+    try {
         worker_ = &keeper_.workerWith(model_, stop_);
+        return *worker_;
+    } catch (const WhisperCardError&) {
+        return workerWithoutCard();
+    }
+}
+
+WhisperWorker& WhisperKeeper::Loan::workerWithoutCard() {
+    worker_ = nullptr;
+    hasVoices_.reset();
+    keeper_.giveUpCard();
+    worker_ = &keeper_.workerWith(model_, stop_);
     return *worker_;
+}
+
+std::vector<WhisperSegment> WhisperKeeper::Loan::recognize(std::span<const float> samples,
+                                                           const std::string& language) {
+    try {
+        return worker().recognize(samples, language, stop_);
+    } catch (const WhisperCardError&) {
+        return workerWithoutCard().recognize(samples, language, stop_);
+    }
 }
 
 std::optional<std::vector<double>> WhisperKeeper::Loan::voicesIn(std::span<const float> samples) {
@@ -101,31 +124,43 @@ void WhisperKeeper::Loan::leave() {
     keeper_.changed_.notify_all();
 }
 
-WhisperKeeper::WhisperKeeper(WhisperSettings settings) : settings_(std::move(settings)) {}
+WhisperKeeper::WhisperKeeper(WhisperSettings settings)
+    : settings_(std::move(settings)), useCard_(settings_.useCard) {}
 
 WhisperKeeper::~WhisperKeeper() = default;
 
 WhisperWorker& WhisperKeeper::workerWith(const std::filesystem::path& model, const std::stop_token& stop) {
     auto wanted = fingerprint(model);
     std::unique_ptr<WhisperWorker> old;
+    auto command = settings_.command;
     {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
+        // Its memory first: two large models at once may be too much.
+        if (!changed_.wait(lock, stop, [this] { return !isLettingGo_; }))
+            throw CancellationError();
         if (worker_ && wanted == loaded_ && worker_->isUsable())
             return *worker_;
         old = std::move(worker_);
+        if (!useCard_)
+            command.emplace_back(whisperWithoutCard);
         if (!housekeeping_.joinable())
             housekeeping_ = std::jthread([this](const std::stop_token& end) { keepHouse(end); });
     }
-    // Its memory first: two large models at once may be too much.
     old.reset();
-    auto made = std::make_unique<WhisperWorker>(settings_.command, model, settings_.threads,
-                                                settings_.patience, stop);
+    auto made = std::make_unique<WhisperWorker>(command, model, settings_.threads, settings_.patience, stop);
     loadedVoices_.clear();
     const std::lock_guard lock(mutex_);
     loaded_ = std::move(wanted);
     worker_ = std::move(made);
     changed_.notify_all();
     return *worker_;
+}
+
+void WhisperKeeper::giveUpCard() {
+    std::unique_ptr<WhisperWorker> old;  // ends behind the lock
+    const std::lock_guard lock(mutex_);
+    useCard_ = false;
+    old = std::move(worker_);
 }
 
 pid_t WhisperKeeper::processId() const {
@@ -149,10 +184,13 @@ void WhisperKeeper::keepHouse(const std::stop_token& stop) {
             (worker_->isUsable() && !isShort && Clock::now() < unusedSince_ + settings_.idle))
             continue;
         auto gone = std::move(worker_);
-        // Outside the lock: whoever comes meanwhile needn't wait for it.
+        isLettingGo_ = true;
+        // Outside the lock: whoever comes meanwhile waits, but can be cancelled.
         lock.unlock();
         gone.reset();
         lock.lock();
+        isLettingGo_ = false;
+        changed_.notify_all();
     }
 }
 

@@ -22,6 +22,7 @@ namespace korvane {
 struct WhisperSettings {
     std::vector<std::string> command;  ///< the worker program and its arguments
     int threads = 1;
+    bool useCard = true;  ///< a graphics card, where there is one
     WhisperPatience patience;
     std::chrono::milliseconds idle{std::chrono::minutes(5)};  ///< how long an unused worker is kept
     std::chrono::milliseconds look{std::chrono::seconds(5)};  ///< how often memory is looked at meanwhile
@@ -49,6 +50,8 @@ class WhisperKeeper {
     using Clock = std::chrono::steady_clock;
 
     WhisperWorker& workerWith(const std::filesystem::path& model, const std::stop_token& stop);
+    /// The worker ends, and those that come do without the card. By whoever has the turn.
+    void giveUpCard();
     void spoilVoices(std::string fingerprint, const std::string& sentence);
     void keepHouse(const std::stop_token& stop);
 
@@ -57,7 +60,9 @@ class WhisperKeeper {
     std::condition_variable_any changed_;
     std::list<int> turns_;  // whoever is in front has the worker
     std::unique_ptr<WhisperWorker> worker_;
-    std::string loaded_;  // the file that it has loaded, as it was then
+    std::string loaded_;        // the file that it has loaded, as it was then
+    bool isLettingGo_ = false;  // of an unused one, which takes its time
+    bool useCard_;
     // Only whoever has the worker looks at these:
     std::string loadedVoices_;   // likewise; empty: none
     std::string spoiledVoices_;  // the one that didn't work, and isn't tried again
@@ -73,18 +78,21 @@ class WhisperKeeper::Loan {
     Loan(const Loan&) = delete;
     Loan& operator=(const Loan&) = delete;
 
-    /// The first call waits for its turn, and for a worker that has the model: the one that is there when it
-    /// can still be used, else a new one.
-    /// \throws RecognitionError when there is no worker to be had; CancellationError.
-    WhisperWorker& worker();
+    /// As WhisperWorker::recognize. The first call waits for its turn, and for a worker that has the model:
+    /// the one that is there when it can still be used, else a new one. When a graphics card may be at fault
+    /// for what goes wrong, another worker is asked once more, without it; and the card stays unused from
+    /// then on.
+    std::vector<WhisperSegment> recognize(std::span<const float> samples, const std::string& language);
 
     /// The chance that somebody speaks, 0 to 1, for each whisper::voiceFrame samples; nothing when no model
-    /// for that is installed, or it can't be used, which is logged once. Waits as worker() does.
+    /// for that is installed, or it can't be used, which is logged once. Waits as recognize() does.
     /// \throws RecognitionError when the worker fails at it, and the model isn't used any more;
     /// CancellationError.
     std::optional<std::vector<double>> voicesIn(std::span<const float> samples);
 
   private:
+    WhisperWorker& worker();
+    WhisperWorker& workerWithoutCard();
     bool hasVoices();
     void takeTurn();
     void leave();

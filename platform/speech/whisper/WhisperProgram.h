@@ -17,4 +17,13 @@ std::vector<std::string> whisperCommand(const std::filesystem::path& program);
 /// The same for this process.
 std::vector<std::string> whisperCommand();
 
+/// "NAME=value": what the worker's environment has in place of or besides this program's.
+std::vector<std::string> whisperEnvironment(const std::vector<std::string>& command);
+
+/// The argument that keeps the worker from touching a graphics card's driver.
+inline constexpr const char* whisperWithoutCard = "--no-gpu";
+
+/// Whether the person wants the graphics card: KORVANE_WHISPER_GPU isn't 0.
+bool whisperMayUseCard();
+
 }  // namespace korvane

@@ -7,13 +7,17 @@
 //
 //   to the worker                          from the worker
 //   load THREADS BYTES  path               hello VERSION                  once, when it has started
-//   voices BYTES  path                     loaded BACKEND                 after load and voices
+//   voices BYTES  path                     looking                        for a graphics card, whose driver
+//                                                                         may end or stop it
+//                                          loading BACKEND                after load, and while it reads
+//                                          loaded BACKEND                 after load and voices: CPU, or the
+//                                                                         name of a card
 //   recognise ID LANGUAGE BYTES  samples   alive ID                       now and then while it works
 //                                          segment ID START END SILENCE   chance that nobody speaks, 0 to 1
 //                                          token END CHANCE BYTES  text   of the last segment
 //   find ID BYTES  samples                 chances ID BYTES  chances      that somebody speaks, a byte for
-//   each
-//                                                                         voiceFrame samples, 255 for 1
+//                                                                         each of voiceFrame samples, 255 for
+//                                                                         1
 //                                          done ID                        the end of a request,
 //   stop ID                                stopped ID                     or this,
 //                                          failed KIND BYTES  sentence    or this, also after load, voices
@@ -31,7 +35,7 @@
 
 namespace korvane::whisper {
 
-inline constexpr int protocolVersion = 2;
+inline constexpr int protocolVersion = 3;
 inline constexpr int rateHz = 16000;
 inline constexpr std::size_t longestLine = 200;  ///< without the line feed
 inline constexpr std::size_t longestText = 4096;
@@ -40,12 +44,16 @@ inline constexpr std::int64_t longestSound = 60 * rateHz;  ///< samples in a req
 inline constexpr std::int64_t voiceFrame = 512;            ///< samples
 static_assert(longestSound / voiceFrame < static_cast<std::int64_t>(longestText));
 
-/// What failed: the model file, the memory, the library, or what has to do with telling voices apart.
+inline constexpr std::string_view processor = "CPU";  ///< the backend that is no graphics card
+
+/// What failed: the model file, the memory, the library, all of it as it doesn't run on this machine, or what
+/// has to do with telling voices apart.
 namespace failure {
 inline constexpr std::string_view voices = "voices";
 inline constexpr std::string_view model = "model";
 inline constexpr std::string_view memory = "memory";
 inline constexpr std::string_view engine = "engine";
+inline constexpr std::string_view machine = "machine";
 inline constexpr std::string_view language = "language";
 }  // namespace failure
 

@@ -76,7 +76,7 @@ void WhisperTranscription::recognizeWindow() {
     if (window_.isEmpty())
         return;
     const auto window = std::exchange(window_, {});
-    const auto heard = loan_.worker().recognize(padded(window.samples()), language_, stop_);
+    const auto heard = loan_.recognize(padded(window.samples()), language_);
     for (auto& [piece, words] : wordsOfWindow(heard, window, locale_)) {
         for (auto& word :
              refineWordTimes(std::move(words), window.pieces()[piece].stretch, rateHz, lastEnd_)) {

@@ -1,15 +1,12 @@
 #include "platform/speech/whisper/WhisperWorker.h"
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <array>
-#include <csignal>
 #include <system_error>
 #include <utility>
 
-#include "platform/speech/SpeechRecognizer.h"
 #include "platform/speech/whisper/WhisperMessages.h"
+#include "platform/speech/whisper/WhisperProgram.h"
 #include "platform/speech/whisper/WhisperProtocol.h"
 #include "platform/tasks/Cancellation.h"
 
@@ -25,23 +22,19 @@ using whisper::readToken;
 /// Far more than a minute of sound holds; a worker that says more has lost its mind.
 constexpr int mostTokens = 20000;
 
-const std::vector<std::string> environment{
-    "GGML_NO_BACKTRACE=1",  // else an abort starts a debugger
-    // Threads that wait for one another sleep instead of turning in circles: on a machine that has other work
-    // too, they turn while the one that they wait for can't run. Measured: five to ten times as fast there.
-    "OMP_WAIT_POLICY=passive",
-};
-
 }  // namespace
 
 WhisperWorker::WhisperWorker(const std::vector<std::string>& command, std::filesystem::path model,
                              int threads, const WhisperPatience& patience, const std::stop_token& stop) try
-    : model_(std::move(model)), patience_(patience), process_(command, environment) {
+    : model_(std::move(model)), patience_(patience), process_(command, whisperEnvironment(command)) {
     greet(stop);
     backend_ = load(makeLine("load", threads, model_.native().size()), model_, stop);
+    usesCard_ = backend_ != whisper::processor;
     isUsable_ = true;
 } catch (const std::system_error& error) {
-    throw RecognitionError("Whisper can't be started: " + error.code().message() + ".");
+    throw RecognitionError(
+        "Whisper can't be started: " + error.code().message() +
+        ". Close other programs and try again; if that doesn't help, install Korvane again.");
 }
 
 void WhisperWorker::greet(const std::stop_token& stop) {
@@ -49,6 +42,8 @@ void WhisperWorker::greet(const std::stop_token& stop) {
     const auto message = next(stop);
     Line line(message.line);
     const auto verb = line.word();
+    if (verb == "failed")
+        failed(message);
     const auto version = line.number(0, 1000000);
     if (!line.isComplete() || verb != "hello")
         talkedNonsense();
@@ -60,16 +55,25 @@ void WhisperWorker::greet(const std::stop_token& stop) {
 std::string WhisperWorker::load(const std::string& request, const std::filesystem::path& file,
                                 const std::stop_token& stop) {
     deadline_ = Clock::now() + patience_.load;
+    const auto until = Clock::now() + patience_.wholeLoad;
     send(request + file.native(), stop);
-    const auto message = next(stop);
-    Line line(message.line);
-    const auto verb = line.word();
-    if (verb == "failed")
-        failed(message);
-    const std::string backend(line.word());
-    if (verb != "loaded" || !line.isComplete())
-        talkedNonsense();
-    return backend;
+    for (;;) {
+        const auto message = next(stop);
+        if (Clock::now() > until)
+            tookTooLong();
+        Line line(message.line);
+        const auto verb = line.word();
+        if (verb == "failed")
+            failed(message);
+        const std::string backend(verb == "looking" ? "" : line.word());
+        if (!line.isComplete() || (verb != "looking" && verb != "loading" && verb != "loaded"))
+            talkedNonsense();
+        if (verb == "loaded")
+            return backend;
+        // A driver that is looked for counts as one that is used.
+        usesCard_ = backend != whisper::processor;
+        deadline_ = Clock::now() + (verb == "looking" ? patience_.card : patience_.load);
+    }
 }
 
 void WhisperWorker::loadVoices(const std::filesystem::path& file, const std::stop_token& stop) {
@@ -131,13 +135,15 @@ void WhisperWorker::ask(const std::string& verb, const std::string& about, std::
     isUsable_ = false;  // until the request has come to a proper end
     ++request_;
     deadline_ = Clock::now() + patience_.work;
+    const std::chrono::milliseconds length(std::ssize(samples) * 1000 / whisper::rateHz);
+    const auto until = Clock::now() + patience_.request + patience_.requestPerLength * length;
     const auto bytes = std::as_bytes(samples);
     bool isSent = false;
     try {
         send(makeLine(verb, std::to_string(request_) + about, bytes.size()), stop);
         send({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, stop);
         isSent = true;
-        receive(take, stop);
+        receive(take, until, stop);
         isUsable_ = true;
     } catch (const CancellationError&) {
         if (isSent)
@@ -147,15 +153,18 @@ void WhisperWorker::ask(const std::string& verb, const std::string& about, std::
         throw;
     } catch (const std::system_error& error) {
         process_.end();
-        throw RecognitionError("Whisper can't be reached: " + error.code().message() + ".");
+        throw RecognitionError("Whisper can't be reached: " + error.code().message() +
+                               ". Close other programs and try again.");
     }
 }
 
-void WhisperWorker::receive(const Take& take, const std::stop_token& stop) {
+void WhisperWorker::receive(const Take& take, Clock::time_point until, const std::stop_token& stop) {
     for (int pieces = 0; pieces < mostTokens;) {
         auto message = next(stop);
-        // Whatever it says, it lives.
-        deadline_ = Clock::now() + patience_.work;
+        // Whatever it says, it lives; but also who turns in circles does.
+        if (Clock::now() > until)
+            tookTooLong();
+        deadline_ = Clock::now() + (usesCard_ ? patience_.card : patience_.work);
         Line line(message.line);
         const auto verb = line.word();
         if (verb == "failed")
@@ -202,6 +211,8 @@ void WhisperWorker::send(std::span<const char> bytes, const std::stop_token& sto
     while (!bytes.empty()) {
         std::size_t count = 0;
         const auto event = process_.write(bytes, count, deadline_, stop);
+        if (event == WorkerProcess::Event::ready && count == 0)
+            return;  // it is gone; perhaps it has said why
         checkMoved(event, count);
         bytes = bytes.subspan(count);
     }
@@ -255,52 +266,6 @@ void WhisperWorker::checkMoved(WorkerProcess::Event event, std::size_t count) {
     }
     if (count == 0)
         died();
-}
-
-void WhisperWorker::failed(const Message& message) {
-    Line line(message.line);
-    line.word();
-    const auto kind = line.word();
-    const auto& why = message.text;
-    // Of a language that it doesn't know nothing has come to harm, nor of a model beside the one that it has.
-    isUsable_ = kind == whisper::failure::language || kind == whisper::failure::voices;
-    if (kind == whisper::failure::voices)
-        throw VoiceModelError("The voice model" + (why.starts_with('"') ? "" : " \"" + voices_ + "\"") +
-                              " isn't used. " + why);
-    const auto name = "'" + model_.filename().string() + "'";
-    if (kind == whisper::failure::memory)
-        throw RecognitionError("There is not enough memory for the Whisper model " + name +
-                               ". Close other programs or choose a smaller model.");
-    if (kind == whisper::failure::model)
-        throw RecognitionError("Whisper can't use the model " + name + ". " + why +
-                               " Install the model again.");
-    throw RecognitionError("Whisper failed with the model " + name + ". " + why);
-}
-
-void WhisperWorker::died() {
-    const auto status = process_.endOfItself(std::chrono::milliseconds(200));
-    if (!status)
-        hung();  // it lives and doesn't talk any more
-    if (WIFSIGNALED(*status) && WTERMSIG(*status) == SIGKILL)
-        throw RecognitionError(
-            "Whisper was ended by the system, most likely because memory ran out. Close other programs or "
-            "choose a smaller model.");
-    const auto how = WIFSIGNALED(*status) ? "signal " + std::to_string(WTERMSIG(*status))
-                                          : "code " + std::to_string(WEXITSTATUS(*status));
-    throw RecognitionError("Whisper broke off unexpectedly (" + how +
-                           "). Try again, or choose another model.");
-}
-
-void WhisperWorker::hung() {
-    process_.end();
-    throw RecognitionError(
-        "Whisper didn't answer any more and was ended. Try again, or choose another model.");
-}
-
-void WhisperWorker::talkedNonsense() {
-    process_.end();
-    throw RecognitionError(
-        "Whisper's worker answered something that makes no sense and was ended. Try again.");
 }
 
 }  // namespace korvane

@@ -19,12 +19,25 @@
 
 namespace korvane {
 
-/// How long a worker may be without a sign of life before it counts as hung.
+/// How long a worker may be without a sign of life before it counts as hung, and how long it may work at all.
 struct WhisperPatience {
-    std::chrono::milliseconds start{std::chrono::seconds(30)};  ///< of the process, up to its first word
-    std::chrono::milliseconds load{std::chrono::minutes(3)};    ///< of a model from a slow disk
-    std::chrono::milliseconds work{std::chrono::minutes(3)};    ///< between two signs of life
-    std::chrono::milliseconds stop{400};                        ///< for a request to end that was stopped
+    std::chrono::milliseconds start{std::chrono::seconds(30)};   ///< of the process, up to its first word
+    std::chrono::milliseconds load{std::chrono::minutes(3)};     ///< between two pieces of a model
+    std::chrono::milliseconds work{std::chrono::minutes(3)};     ///< between two signs of life
+    std::chrono::milliseconds stop{400};                         ///< for a request to end that was stopped
+    std::chrono::milliseconds card{std::chrono::minutes(1)};     ///< in place of `work` when a card computes
+    std::chrono::milliseconds wholeLoad{std::chrono::hours(1)};  ///< 3 GB at less than 1 MB/s
+    /// A request as a whole. What is listened to is half a minute long however short the sound is: some
+    /// minutes for a large model on a small machine. Words come on top, by its length.
+    std::chrono::milliseconds request{std::chrono::minutes(5)};
+    int requestPerLength = 10;
+};
+
+/// A worker failed, died or hung while a graphics card computed or its driver was looked for: that may be
+/// where the fault lies.
+class WhisperCardError : public RecognitionError {
+  public:
+    using RecognitionError::RecognitionError;
 };
 
 /// The model that tells voices from other sounds can't be used; the worker can.
@@ -38,7 +51,7 @@ class WhisperWorker {
   public:
     /// Starts the process and loads the model: 0.1 s and some seconds for a large one.
     /// \param command  the worker program and its arguments.
-    /// \throws RecognitionError, CancellationError
+    /// \throws RecognitionError (WhisperCardError), CancellationError
     WhisperWorker(const std::vector<std::string>& command, std::filesystem::path model, int threads,
                   const WhisperPatience& patience, const std::stop_token& stop);
 
@@ -46,7 +59,8 @@ class WhisperWorker {
     /// \param language  such as "en".
     /// \throws CancellationError once a stop is requested: the worker is told, and ended when it doesn't
     /// react.
-    ///         RecognitionError when it failed, died, hung or talked nonsense.
+    ///         RecognitionError (WhisperCardError) when it failed, died, hung, talked nonsense or found no
+    ///         end.
     std::vector<WhisperSegment> recognize(std::span<const float> samples, const std::string& language,
                                           const std::stop_token& stop);
 
@@ -61,7 +75,7 @@ class WhisperWorker {
     /// Whether it can take another request.
     bool isUsable() { return isUsable_ && process_.isRunning(); }
     const std::filesystem::path& model() const { return model_; }
-    /// What computes, such as "CPU".
+    /// What computes: "CPU", or the name of a graphics card.
     const std::string& backend() const { return backend_; }
     pid_t processId() const { return process_.id(); }
 
@@ -82,7 +96,8 @@ class WhisperWorker {
     /// \param about  what stands between the request's number and its samples.
     void ask(const std::string& verb, const std::string& about, std::span<const float> samples,
              const Take& take, const std::stop_token& stop);
-    void receive(const Take& take, const std::stop_token& stop);
+    /// \param until  when the request has taken too long.
+    void receive(const Take& take, Clock::time_point until, const std::stop_token& stop);
     void send(std::span<const char> bytes, const std::stop_token& stop);
     /// The next one, whole: what a stop interrupts can be read on from afterwards.
     Message next(const std::stop_token& stop);
@@ -93,18 +108,22 @@ class WhisperWorker {
     /// Tells it to stop and waits until it has.
     void giveUp();
     [[noreturn]] void failed(const Message& message);
+    /// \param sentence  what went wrong and what helps.
+    [[noreturn]] void broken(const std::string& sentence) const;
     [[noreturn]] void died();
     [[noreturn]] void hung();
+    [[noreturn]] void tookTooLong();
     [[noreturn]] void talkedNonsense();
 
     const std::filesystem::path model_;
     const WhisperPatience patience_;
     WorkerProcess process_;
     std::string backend_;
-    std::string heard_;  // read and not yet looked at
-    Clock::time_point deadline_;
-    std::int64_t request_ = -1;  // the one that it works on
-    std::string voices_;         // the file's name
+    bool usesCard_ = false;       // or looks for one
+    std::string heard_;           // read and not yet looked at
+    Clock::time_point deadline_;  // for the next sign of life
+    std::int64_t request_ = -1;   // the one that it works on
+    std::string voices_;          // the file's name
     bool isUsable_ = false;
 };
 

@@ -24,6 +24,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/// Milliseconds are usual, some hundred with gigabytes to give back.
+constexpr std::chrono::seconds longestEnd{2};
+
 /// A file descriptor, owned.
 class File {
   public:
@@ -213,13 +216,10 @@ bool WorkerProcess::isRunning() {
 }
 
 void WorkerProcess::end() {
-    if (!isRunning())
+    if (isLeftToItself_ || !isRunning())
         return;
     kill(id_, SIGKILL);
-    int status = 0;
-    while (waitpid(id_, &status, 0) < 0 && errno == EINTR) {
-    }
-    status_ = status;
+    isLeftToItself_ = !endOfItself(longestEnd);
 }
 
 std::optional<int> WorkerProcess::endOfItself(std::chrono::milliseconds patience) {

@@ -42,7 +42,8 @@ class WorkerProcess {
 
     /// Whether it still runs.
     bool isRunning();
-    /// Ends it now.
+    /// Ends it now. Returns also when the kernel doesn't let go of it for a while, deep in a driver or a file
+    /// of the network that doesn't answer: it ends when that does.
     void end();
     /// What it ended with once it has closed its pipes, as waitpid tells it; nothing when it goes on living
     /// for so long.
@@ -58,6 +59,7 @@ class WorkerProcess {
     int input_ = -1;   // to the child
     int output_ = -1;  // from the child
     std::optional<int> status_;
+    bool isLeftToItself_ = false;
 };
 
 }  // namespace korvane

@@ -1,10 +1,12 @@
 // A worker that speaks the protocol by hand and misbehaves as it is told:
 //
-//   korvane-fake-whisper BEHAVIOUR [MARK]
+//   korvane-fake-whisper BEHAVIOUR [MARK] [--no-gpu]
 //
+// One whose behaviour begins with "card:" finds a graphics card, and misbehaves only while it may use that.
 // With MARK, a file, it misbehaves only while that file isn't there, and makes it when it comes to that: so
 // the next one is well behaved. A well-behaved one hears "one two" in every request, at 0.5 and 1.0 s, and
 // finds a voice everywhere.
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -14,6 +16,7 @@
 #include <iostream>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "platform/speech/whisper/WhisperProtocol.h"
 
@@ -23,6 +26,7 @@ using korvane::whisper::Line;
 
 std::string behaviour;
 std::string mark;
+bool usesCard = false;
 
 /// Whether to misbehave like this, now.
 bool isTold(const std::string& what) {
@@ -124,23 +128,59 @@ void find(std::int64_t id, std::size_t samples) {
 }
 
 /// With its path, which is skipped.
-void load(Line& line, const std::string& what, const std::string& failure) {
+void load(Line& line, const std::string& what, const std::string& failure, const std::string& computes) {
     skip(line.number<std::size_t>(1, 65536));
     misbehave(what);
-    say(isTold("bad-" + failure) ? "failed " + failure + " 12\nIt is broken" : "loaded Fake\n");
+    say(isTold("bad-" + failure) ? "failed " + failure + " 12\nIt is broken" : "loaded " + computes + "\n");
+}
+
+void loadModel(Line& line) {
+    const std::string computes = usesCard ? "Vulkan0" : "CPU";
+    line.number(1, 1024);
+    misbehave("looking");
+    say("loading " + computes + "\n");
+    if (isTold("no-machine"))
+        say("failed machine 5\nNone.");
+    if (isTold("no-memory-to-load"))
+        say("failed memory 5\nNone.");
+    const int pieces = isTold("loads-slowly") ? 40 : isTold("loads-forever") ? 1000000 : 0;
+    for (int i = 0; i < pieces; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(25));
+        say("loading " + computes + "\n");
+    }
+    load(line, "loading", "model", computes);
+    misbehave("loaded");
+}
+
+void readArguments(std::vector<std::string> all) {
+    const bool mayUseCard = std::erase(all, "--no-gpu") == 0;
+    all.resize(2);
+    behaviour = all[0];
+    mark = all[1];
+    const std::string prefix = "card:";
+    if (behaviour.starts_with(prefix)) {
+        usesCard = mayUseCard;
+        behaviour = mayUseCard ? behaviour.substr(prefix.size()) : "";
+    }
+    if (behaviour == "claims-card") {
+        usesCard = true;
+        behaviour = "asked-exits";
+    }
+    if (std::ifstream(mark))
+        behaviour = "";
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
     signal(SIGPIPE, SIG_DFL);
-    behaviour = count > 1 ? arguments[1] : "";
-    mark = count > 2 ? arguments[2] : "";
-    if (std::ifstream(mark))
-        behaviour = "";
+    prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);  // a test keeps the kernel from letting go of it
+    readArguments({arguments + 1, arguments + count});
 
     misbehave("started");
     say("hello " + std::to_string(isTold("other-version") ? 77 : korvane::whisper::protocolVersion) + "\n");
+    if (usesCard)
+        say("looking\n");
     if (isTold("deaf"))
         sleepForever();
     bool hadVoices = false;
@@ -148,14 +188,12 @@ int main(int count, char** arguments) {
         Line line(text);
         const auto verb = line.word();
         if (verb == "load") {
-            line.number(1, 1024);
-            load(line, "loading", "model");
-            misbehave("loaded");
+            loadModel(line);
         } else if (verb == "voices") {
             if (hadVoices && isTold("voices-again"))
                 std::_Exit(4);
             hadVoices = true;
-            load(line, "voices", "voices");
+            load(line, "voices", "voices", "CPU");
         } else if (verb == "find") {
             const auto id = line.number<std::int64_t>(0, 1000000);
             const auto bytes = line.number<std::size_t>(0, 100000000);

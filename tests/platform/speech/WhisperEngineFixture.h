@@ -69,7 +69,7 @@ class WhisperEngineTest : public testing::Test {
     WhisperSettings settings(const std::string& behaviour) const {
         WhisperSettings made;
         made.command = {KORVANE_FAKE_WHISPER, behaviour};
-        made.patience = {2s, 500ms, 500ms, 200ms};
+        made.patience = {2s, 500ms, 500ms, 200ms, 500ms, 2s, 2s, 0};
         return made;
     }
     /// Misbehaves the first time that it is started.

@@ -91,12 +91,23 @@ const Mishap mishaps[] = {
     {"no-numbers", "makes no sense"},
     {"endless", "makes no sense"},
     {"no-memory", "not enough memory"},
+    {"no-memory-to-load", "not enough memory"},
+    {"no-machine", "--engine pocketsphinx"},
+    {"loads-forever", "took too long"},
+    {"alive-forever", "took too long"},
+    {"card:bad-model", "It is broken"},
 };
 INSTANTIATE_TEST_SUITE_P(Every, WhisperMishaps, testing::ValuesIn(mishaps), [](const auto& made) {
     std::string name = made.param.behaviour;
-    std::erase(name, '-');
+    std::erase_if(name, [](char c) { return c == '-' || c == ':'; });
     return name;
 });
+
+TEST_F(WhisperEngineTest, aModelThatComesSlowlyIsWaitedForAsLongAsItComes) {
+    // Twice as long as would be waited without a sign of life.
+    auto whisper = engine(settings("loads-slowly"));
+    EXPECT_EQ(recognize(whisper).words, oneTwo);
+}
 
 TEST_F(WhisperEngineTest, aWorkerThatDiedWhileNobodyNeededItIsReplacedUnnoticed) {
     auto whisper = engine(once("idle-exits"));
@@ -125,7 +136,9 @@ TEST_F(WhisperEngineTest, aWorkerThatCannotBeStartedIsOneSentence) {
     WhisperSettings nothing;
     nothing.command = {"/nowhere/korvane-whisper"};
     auto whisper = engine(nothing);
-    EXPECT_EQ(recognize(whisper).error, "Whisper can't be started: No such file or directory.");
+    const auto error = recognize(whisper).error;
+    EXPECT_TRUE(error.starts_with("Whisper can't be started: No such file or directory.")) << error;
+    EXPECT_TRUE(error.ends_with("install Korvane again.")) << error;
 }
 
 TEST_F(WhisperEngineTest, cancellingAtEachStageAnswersAtOnceAndTheNextOneWorks) {

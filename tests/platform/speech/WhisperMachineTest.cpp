@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "platform/speech/whisper/MemoryPressure.h"
 #include "platform/speech/whisper/PhysicalCores.h"
 #include "platform/speech/whisper/WhisperProgram.h"
+#include "platform/speech/whisper/worker/MemoryWords.h"
 #include "platform/speech/whisper/worker/Rest.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -139,6 +141,26 @@ TEST(WhisperRest, whatCannotBeAlignedIsNeverLeftToTheLibraryAndHardlyMore) {
     }
 }
 
+TEST(WhisperMemoryWords, whatTheLibrarySaysWhenMemoryRanOutIsTold) {
+    using whisper::speaksOfMemory;
+    EXPECT_TRUE(speaksOfMemory("ggml_aligned_malloc: insufficient memory (attempted to allocate 6.00 MB)\n"));
+    EXPECT_TRUE(speaksOfMemory("alloc_tensor_range: failed to allocate CPU buffer of size 104857600\n"));
+    EXPECT_TRUE(speaksOfMemory("failed to load libggml-cpu.so: failed to map segment from shared object\n"));
+    EXPECT_TRUE(speaksOfMemory("ggml_vulkan: Device memory allocation of size 1073741824 failed.\n"));
+    EXPECT_FALSE(
+        speaksOfMemory("ggml_new_object: not enough space in the context's memory pool (needed 2)\n"));
+    EXPECT_FALSE(speaksOfMemory("whisper_model_load: tensor 'x' has wrong size in model file\n"));
+    EXPECT_FALSE(speaksOfMemory(""));
+}
+
+TEST(WhisperMemoryWords, anAssertionThatMemoryIsThereIsTold) {
+    EXPECT_TRUE(whisper::assertsMemory("ggml.c:1655: GGML_ASSERT(ctx->mem_buffer != NULL) failed"));
+    EXPECT_TRUE(whisper::assertsMemory("ggml-alloc.c:1: GGML_ASSERT(galloc->hash_values != NULL) failed"));
+    EXPECT_FALSE(whisper::assertsMemory("ggml.c:1: GGML_ASSERT(a->ne[0] == b->ne[0]) failed"));
+    EXPECT_FALSE(
+        whisper::assertsMemory("ggml.c:1: GGML_ASSERT(src->data && \"graph must be allocated\") failed"));
+}
+
 class WhisperProgramTest : public testing::Test {
   protected:
     void program(const std::string& path) const {
@@ -164,6 +186,28 @@ TEST_F(WhisperProgramTest, aWorkerThatBringsItsLibraryRunsOnItsOwnLoader) {
     EXPECT_EQ(whisperCommand(folder.path() / "bin"),
               (std::vector<std::string>{library + "/ld-linux-test.so.2", "--library-path", library,
                                         at("libexec/korvane/korvane-whisper"), "--backends", library}));
+}
+
+TEST_F(WhisperProgramTest, aWorkerOnItsOwnLoaderIsSparedWhatThisSystemPreloads) {
+    const auto clears = [](const std::vector<std::string>& command, const std::string& entry) {
+        const auto all = whisperEnvironment(command);
+        return std::find(all.begin(), all.end(), entry) != all.end();
+    };
+    for (const char* entry : {"LD_PRELOAD=", "LD_LIBRARY_PATH=", "LD_AUDIT="}) {
+        EXPECT_TRUE(clears({"ld-linux.so.2", "--library-path", "there", "worker"}, entry)) << entry;
+        // Linked to the system's library it may need them as the program does.
+        EXPECT_FALSE(clears({"worker"}, entry)) << entry;
+    }
+}
+
+TEST_F(WhisperProgramTest, theGraphicsCardIsUsedUnlessTheEnvironmentForbidsIt) {
+    unsetenv("KORVANE_WHISPER_GPU");
+    EXPECT_TRUE(whisperMayUseCard());
+    setenv("KORVANE_WHISPER_GPU", "0", 1);
+    EXPECT_FALSE(whisperMayUseCard());
+    setenv("KORVANE_WHISPER_GPU", "1", 1);
+    EXPECT_TRUE(whisperMayUseCard());
+    unsetenv("KORVANE_WHISPER_GPU");
 }
 
 TEST_F(WhisperProgramTest, theEnvironmentNamesAnother) {

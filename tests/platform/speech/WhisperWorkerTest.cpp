@@ -211,6 +211,38 @@ TEST_F(WhisperWorkerTest, aModelWhoseNumbersDoNotBelongTogetherIsAnError) {
     }
 }
 
+TEST_F(WhisperWorkerTest, howeverLittleMemoryThereIsTheErrorSpeaksOfMemory) {
+    const auto file = model(hello);
+    bool hasWorked = false;
+    std::set<std::string> errors;
+    for (std::int64_t kilobytes = 40000; !hasWorked && kilobytes < (1LL << 26); kilobytes += kilobytes / 6) {
+        auto limited = command;
+        limited.insert(limited.begin(),
+                       {"/bin/sh", "-c", "ulimit -v \"$0\" && exec \"$@\"", std::to_string(kilobytes)});
+        try {
+            WhisperWorker whisper(limited, file, 2, WhisperPatience(), {});
+            hasWorked = !whisper.recognize(hum(2.2), "en", {}).empty();
+        } catch (const RecognitionError& error) {
+            EXPECT_NE(
+                std::string(error.what()).find("not enough memory for the Whisper model 'ggml-test.bin'"),
+                std::string::npos)
+                << kilobytes << " kB: " << error.what();
+            errors.insert(error.what());
+        }
+    }
+    EXPECT_TRUE(hasWorked);
+    EXPECT_EQ(errors.size(), 1U);
+}
+
+TEST_F(WhisperWorkerTest, withoutAGraphicsCardItComputesOnTheProcessor) {
+    const auto file = model(hello);
+    auto without = command;
+    without.emplace_back("--no-gpu");
+    WhisperWorker whisper(without, file, 1, WhisperPatience(), {});
+    EXPECT_EQ(whisper.backend(), "CPU");
+    EXPECT_FALSE(whisper.recognize(hum(2.2), "en", {}).empty());
+}
+
 TEST_F(WhisperWorkerTest, killedAtAnyMomentItIsOneErrorAndNothingElse) {
     const auto file = model(hello);
     std::mt19937 random(9);

@@ -1,31 +1,23 @@
 #include "platform/speech/whisper/worker/Model.h"
 
-#include <ggml-backend.h>
 #include <whisper.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <limits>
 #include <span>
 
 #include "platform/models/ModelError.h"
 #include "platform/models/WhisperModelFile.h"
 #include "platform/speech/whisper/WhisperProtocol.h"
+#include "platform/speech/whisper/worker/MemoryWatch.h"
+#include "platform/speech/whisper/worker/ModelSource.h"
 #include "platform/speech/whisper/worker/Rest.h"
 
 namespace korvane::whisper {
 namespace {
-
-/// What the library said last on an error: more than its return value tells.
-std::string complaint;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): the library has one log
-
-void onLog(ggml_log_level level, const char* text, void*) {
-    if (level == GGML_LOG_LEVEL_ERROR)
-        complaint = text;
-}
 
 /// The attention heads that were found to follow the sound, of the models that everyone starts from. Only
 /// where they fit: heads of layers that aren't there end the process.
@@ -48,9 +40,9 @@ whisper_alignment_heads_preset knownHeads(const WhisperModelShape& shape) {
     return WHISPER_AHEADS_N_TOP_MOST;
 }
 
-whisper_context_params contextSettings(const WhisperModelShape& shape) {
+whisper_context_params contextSettings(const WhisperModelShape& shape, bool useCard) {
     auto settings = whisper_context_default_params();
-    settings.use_gpu = true;
+    settings.use_gpu = useCard;
     settings.flash_attn = false;  // with it there are no token times, silently
     settings.dtw_token_timestamps = true;
     settings.dtw_aheads_preset = knownHeads(shape);
@@ -71,9 +63,9 @@ whisper_context_params contextSettings(const WhisperModelShape& shape) {
 
 /// The library believes what a file says about itself, and a damaged one makes it write past its memory or
 /// end the process: so the file is looked through first.
-whisper_context_params settingsFor(const std::string& path) {
+whisper_context_params settingsFor(const std::string& path, bool useCard) {
     try {
-        return contextSettings(readWhisperModel(path));
+        return contextSettings(readWhisperModel(path), useCard);
     } catch (const ModelError& error) {
         throw Failure(failure::model, error.what());
     }
@@ -148,15 +140,6 @@ double chanceOfSilence(whisper_context* context, int threads) {
 
 }  // namespace
 
-void prepareLibrary(const std::string& backends) {
-    whisper_log_set(onLog, nullptr);
-    ggml_log_set(onLog, nullptr);
-    if (backends.empty())
-        ggml_backend_load_all();
-    else
-        ggml_backend_load_all_from_path(backends.c_str());
-}
-
 struct Model::Library {
     ~Library() {
         if (context)
@@ -166,30 +149,23 @@ struct Model::Library {
     int threads = 1;
 };
 
-Model::Model(const std::string& path, int threads) : library_(std::make_unique<Library>()) {
-    if (ggml_backend_dev_by_type(GGML_BACKEND_DEVICE_TYPE_CPU) == nullptr)
-        throw Failure(failure::engine, "The library can't compute on this machine.");
-    const auto settings = settingsFor(path);
-    complaint.clear();
+Model::Model(const std::string& path, int threads, bool useCard, const std::function<void()>& onPiece)
+    : library_(std::make_unique<Library>()) {
+    const auto settings = settingsFor(path, useCard);
+    forgetComplaints();
     library_->threads = threads;
-    library_->context = whisper_init_from_file_with_params(path.c_str(), settings);
-    if (!library_->context)
-        throw Failure(complaint.find("alloc") == std::string::npos ? failure::model : failure::memory,
-                      "The library can't load it.");
+    ModelSource source(path, onPiece);
+    auto loader = source.loader();
+    library_->context = whisper_init_with_params(&loader, settings);
+    if (library_->context)
+        return;
+    if (hasMemoryRunOut())
+        throw Failure(failure::memory, "There is not enough memory.");
+    throw Failure(failure::model,
+                  source.isBroken() ? "The file can't be read to its end." : "The library can't load it.");
 }
 
 Model::~Model() = default;
-
-std::string Model::backend() const {
-    for (const auto type : {GGML_BACKEND_DEVICE_TYPE_GPU, GGML_BACKEND_DEVICE_TYPE_CPU}) {
-        if (auto* const device = ggml_backend_dev_by_type(type)) {
-            std::string name = ggml_backend_dev_name(device);
-            std::replace(name.begin(), name.end(), ' ', '-');
-            return name.substr(0, 60);
-        }
-    }
-    return "none";
-}
 
 bool Model::recognise(const std::vector<float>& samples, const std::string& language,
                       const std::function<bool()>& isStopped, Listener& listener) {
@@ -214,12 +190,12 @@ bool Model::recognise(const std::vector<float>& samples, const std::string& lang
     settings.abort_callback_user_data = settings.progress_callback_user_data =
         settings.encoder_begin_callback_user_data = settings.logits_filter_callback_user_data = &callbacks;
 
-    complaint.clear();
+    forgetComplaints();
     const int result = whisper_full(context, settings, samples.data(), static_cast<int>(samples.size()));
     if (isStopped())
         return false;
     if (result != 0)
-        throw Failure(complaint.find("alloc") == std::string::npos ? failure::engine : failure::memory,
+        throw Failure(hasMemoryRunOut() ? failure::memory : failure::engine,
                       "The library gave up (" + std::to_string(result) + ").");
 
     const auto firstSpecial = whisper_token_eot(context);

@@ -30,20 +30,15 @@ class Listener {
     virtual void token(long long end, double chance, std::string_view bytes) = 0;
 };
 
-/// Finds what the library can compute with here; once, before the first model.
-/// \param backends  folder of its plug-ins; empty: where the library looks by itself.
-void prepareLibrary(const std::string& backends);
-
 class Model {
   public:
+    /// \param useCard  a graphics card that was found usable.
+    /// \param onPiece  called for every piece of the file that was read.
     /// \throws Failure
-    Model(const std::string& path, int threads);
+    Model(const std::string& path, int threads, bool useCard, const std::function<void()>& onPiece);
     ~Model();
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
-
-    /// What computes: "CPU", or the graphics card's name; without spaces.
-    std::string backend() const;
 
     /// \param isStopped  asked often, also on the library's threads.
     /// \return false when it was stopped. \throws Failure

@@ -9,6 +9,7 @@
 #include "platform/models/ModelError.h"
 #include "platform/models/VoiceModelFile.h"
 #include "platform/speech/whisper/WhisperProtocol.h"
+#include "platform/speech/whisper/worker/MemoryWatch.h"
 #include "platform/speech/whisper/worker/Model.h"
 
 namespace korvane::whisper {
@@ -30,7 +31,10 @@ Voices::Voices(const std::string& path) : library_(std::make_unique<Library>()) 
     }
     auto settings = whisper_vad_default_context_params();
     settings.n_threads = 1;  // each frame waits for the one before, and is soon done
+    forgetComplaints();
     library_->context = whisper_vad_init_from_file_with_params(path.c_str(), settings);
+    if (!library_->context && hasMemoryRunOut())
+        throw Failure(failure::memory, "There is not enough memory.");
     if (!library_->context)
         throw Failure(failure::voices, "The library can't load it.");
 }

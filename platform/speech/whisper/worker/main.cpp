@@ -11,6 +11,7 @@
 #include <cmath>
 #include <condition_variable>
 #include <ctime>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -21,6 +22,8 @@
 #include <thread>
 
 #include "platform/speech/whisper/WhisperProtocol.h"
+#include "platform/speech/whisper/worker/Backends.h"
+#include "platform/speech/whisper/worker/MemoryWatch.h"
 #include "platform/speech/whisper/worker/Model.h"
 #include "platform/speech/whisper/worker/Requests.h"
 #include "platform/speech/whisper/worker/Voices.h"
@@ -43,13 +46,15 @@ class Answers final : public Listener {
         send(makeLine("failed", kind, sentence.size()) + std::string(sentence));
     }
 
-    void alive() override {
+    void alive() override { pulse(makeLine("alive", id_)); }
+    /// What is said again and again, but not too often.
+    void pulse(const std::string& message) {
         const auto now = std::chrono::steady_clock::now();
         const std::lock_guard lock(mutex_);
-        if (now - lastAlive_ < std::chrono::milliseconds(200))
+        if (now - lastPulse_ < std::chrono::milliseconds(200))
             return;
-        lastAlive_ = now;
-        write(makeLine("alive", id_));
+        lastPulse_ = now;
+        write(message);
     }
     void segment(long long start, long long end, double silence) override {
         send(makeLine("segment", id_, start, end, share(silence)));
@@ -74,7 +79,7 @@ class Answers final : public Listener {
 
     const int output_;
     std::mutex mutex_;
-    std::chrono::steady_clock::time_point lastAlive_;
+    std::chrono::steady_clock::time_point lastPulse_;
     std::int64_t id_ = 0;
 };
 
@@ -86,8 +91,8 @@ double processorTime() {
 }
 
 /// Says that the worker lives while the library is inside one of its calls: a small machine listens to a
-/// single window of a large model for minutes. Whatever uses the processor isn't stuck; but not for ever, as
-/// who turns in circles uses it too.
+/// single window of a large model for minutes. Whatever uses the processor isn't stuck; who turns in circles
+/// uses it too, but the program lets no request go on for ever.
 class Pulse {
   public:
     explicit Pulse(Answers& answers)
@@ -96,7 +101,7 @@ class Pulse {
               std::unique_lock lock(mutex);
               std::condition_variable_any never;
               double used = processorTime();
-              for (int beats = 0; beats < mostBeats; ++beats) {
+              for (;;) {
                   never.wait_for(lock, stop, between, [] { return false; });
                   if (stop.stop_requested())
                       return;
@@ -108,8 +113,7 @@ class Pulse {
 
   private:
     static constexpr std::chrono::milliseconds between{250};
-    static constexpr int mostBeats = 20 * 60 * 4;  // twenty minutes
-    static constexpr double leastWork = 1e-3;      // seconds; the beat itself takes some microseconds
+    static constexpr double leastWork = 1e-3;  // seconds; the beat itself takes some microseconds
     std::jthread thread_;
 };
 
@@ -149,16 +153,30 @@ void findVoices(Loaded& loaded, const Request& request, const Requests& requests
     answers.send(makeLine("done", request.id));
 }
 
+/// A model, and what it is computed with.
+void load(std::optional<Model>& model, const Request& request, Answers& answers) {
+    model.reset();
+    if (!canCompute()) {
+        if (hasMemoryRunOut())
+            throw Failure(failure::memory, "There is not enough memory.");
+        throw Failure(failure::machine, "The library can't compute on this machine.");
+    }
+    const auto card = usableCard();
+    const auto computes = card.empty() ? std::string(processor) : card;
+    answers.send(makeLine("loading", computes));
+    model.emplace(request.path, request.threads, !card.empty(),
+                  [&] { answers.pulse(makeLine("loading", computes)); });
+    answers.send(makeLine("loaded", computes));
+}
+
 void answer(Loaded& loaded, const Request& request, const Requests& requests, Answers& answers) {
     switch (request.task) {
         case Task::load:
-            loaded.model.reset();
-            loaded.model.emplace(request.path, request.threads);
-            return answers.send(makeLine("loaded", loaded.model->backend()));
+            return load(loaded.model, request, answers);
         case Task::loadVoices:
             loaded.voices.reset();
             loaded.voices.emplace(request.path);
-            return answers.send(makeLine("loaded", "CPU"));
+            return answers.send(makeLine("loaded", processor));
         case Task::recognise:
             return recognise(loaded, request, requests, answers);
         case Task::findVoices:
@@ -175,8 +193,25 @@ void answer(Loaded& loaded, const Request& request, const Requests& requests, An
             answers.failed(failed.kind(), failed.what());
         } catch (const std::bad_alloc&) {
             answers.failed(failure::memory, "There is not enough memory.");
+        } catch (const std::exception& error) {
+            answers.failed(hasMemoryRunOut() ? failure::memory : failure::engine, error.what());
         }
     }
+}
+
+/// \return nothing when they make no sense.
+std::optional<Backends> readArguments(int count, char** arguments) {
+    Backends backends;
+    for (int i = 1; i < count; ++i) {
+        const std::string_view argument = arguments[i];
+        if (argument == "--no-gpu")
+            backends.useCard = false;
+        else if (argument == "--backends" && i + 1 < count)
+            backends.folder = arguments[++i];
+        else
+            return std::nullopt;
+    }
+    return backends;
 }
 
 /// When memory runs out, this process is to go, not the one with the person's work. And what it leaves behind
@@ -203,9 +238,15 @@ int main(int count, char** arguments) {
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (output < 0 || nowhere < 0 || dup2(nowhere, STDOUT_FILENO) < 0)
         return 1;
+    const auto backends = readArguments(count, arguments);
+    if (!backends)
+        return 2;
+    watchMemory(output);
     Requests requests(STDIN_FILENO);
     Answers answers(output);
     answers.send(makeLine("hello", protocolVersion));
-    prepareLibrary(count == 3 && std::string_view(arguments[1]) == "--backends" ? arguments[2] : "");
+    if (backends->mayFindCard())
+        answers.send("looking\n");
+    backends->prepare();
     serve(requests, answers);
 }
