@@ -31,8 +31,7 @@ void WhisperWorker::failed(const Message& message) {
     if (kind == whisper::failure::machine)
         throw RecognitionError(
             "Whisper can't compute on this machine. English works with PocketSphinx instead: remove the "
-            "Whisper "
-            "models under Speech models, or give korvane-cli the option --engine pocketsphinx.");
+            "Whisper models under Speech models, or give korvane-cli the option --engine pocketsphinx.");
     broken("Whisper failed with the model " + name + ". " + why +
            " Try again, or choose another model under Speech models.");
 }
@@ -56,8 +55,7 @@ void WhisperWorker::died() {
     if (WIFEXITED(*status) && WEXITSTATUS(*status) == 127)  // of the loader of programs
         throw RecognitionError(
             "Whisper's library can't be loaded. Close other programs and try again; if that doesn't help, "
-            "install "
-            "Korvane again.");
+            "install Korvane again.");
     broken("Whisper broke off unexpectedly (" + how +
            "). Try again, or choose another model under Speech models.");
 }
@@ -65,8 +63,8 @@ void WhisperWorker::died() {
 void WhisperWorker::hung() {
     process_.end();
     broken(
-        "Whisper didn't answer any more and was ended. Try again, or choose another model under Speech "
-        "models.");
+        "Whisper didn't answer any more and was ended. Try again, or choose another model under "
+        "Speech models.");
 }
 
 void WhisperWorker::tookTooLong() {
