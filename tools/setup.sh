@@ -82,6 +82,7 @@ ensure_whisper() {
         [ "$(id -u)" -eq 0 ] || as_root=(sudo)
         say "Installing the Whisper library ..."
         apt_install libwhisper-dev >/dev/null 2>&1 || true
+        apt_install libggml0-backend-vulkan >/dev/null 2>&1 || true # for a graphics card
     fi
     if pkg-config --exists whisper ggml 2>/dev/null; then
         echo there >"$state"
