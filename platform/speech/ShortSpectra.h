@@ -12,7 +12,7 @@ namespace korvane {
 /// both ways: unchanged spectra give the sound back. Takes 8 times the sound's memory. A value.
 class ShortSpectra {
   public:
-    /// What is no finite number counts as silence.
+    /// What is no finite number counts as silence. \throws MediaError when there is no memory.
     ShortSpectra(std::span<const float> samples, int rateHz);
 
     std::size_t moments() const { return moments_; }
