@@ -3,13 +3,14 @@
 #include <sched.h>
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <set>
 #include <string>
 
 namespace korvane {
 
-int physicalCores(const std::filesystem::path& cpus) {
+int physicalCores(const std::filesystem::path& cpus, std::optional<double> granted) {
     cpu_set_t usable;
     CPU_ZERO(&usable);
     if (sched_getaffinity(0, sizeof usable, &usable) != 0)
@@ -23,7 +24,9 @@ int physicalCores(const std::filesystem::path& cpus) {
         std::ifstream(cpus / siblings / "topology" / "thread_siblings_list") >> siblings;
         cores.insert(siblings);
     }
-    return std::clamp(static_cast<int>(cores.size()), 1, 16);
+    constexpr double most = 16;
+    return static_cast<int>(std::clamp(std::ceil(granted.value_or(most)), 1.0,
+                                       std::clamp(static_cast<double>(cores.size()), 1.0, most)));
 }
 
 }  // namespace korvane

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/models/ControlGroup.h"
 #include "platform/speech/whisper/MemoryPressure.h"
 #include "platform/speech/whisper/PhysicalCores.h"
 #include "platform/speech/whisper/WhisperProgram.h"
@@ -76,7 +77,7 @@ std::string whisperLanguage(const Locale& locale) {
 WhisperSettings whisperSettingsHere() {
     WhisperSettings settings;
     settings.command = whisperCommand();
-    settings.threads = physicalCores();
+    settings.threads = physicalCores("/sys/devices/system/cpu", controlGroupLimits().processors);
     settings.useCard = whisperMayUseCard();
     settings.memoryIsShort = [] { return memoryIsShort(); };
     settings.log = [](const std::string& sentence) {

@@ -24,7 +24,7 @@ struct WhisperPatience {
     std::chrono::milliseconds start{std::chrono::seconds(30)};   ///< of the process, up to its first word
     std::chrono::milliseconds load{std::chrono::minutes(3)};     ///< between two pieces of a model
     std::chrono::milliseconds work{std::chrono::minutes(3)};     ///< between two signs of life
-    std::chrono::milliseconds stop{400};                         ///< for a request to end that was stopped
+    std::chrono::milliseconds stop{250};                         ///< for a request to end that was stopped
     std::chrono::milliseconds card{std::chrono::minutes(1)};     ///< in place of `work` when a card computes
     std::chrono::milliseconds wholeLoad{std::chrono::hours(1)};  ///< 3 GB at less than 1 MB/s
     /// A request as a whole. What is listened to is half a minute long however short the sound is: some

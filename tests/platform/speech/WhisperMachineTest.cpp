@@ -129,6 +129,15 @@ TEST(PhysicalCores, threadsOfOneCoreCountOnce) {
     EXPECT_EQ(physicalCores(cpus.path()), 1);
 }
 
+TEST(PhysicalCores, notMoreThreadsWorkThanAContainerGrants) {
+    const TemporaryFolder cpus;  // each counts for itself
+    const int all = physicalCores(cpus.path());
+    EXPECT_EQ(physicalCores(cpus.path(), 0.3), 1);
+    EXPECT_EQ(physicalCores(cpus.path(), 1.0), 1);
+    EXPECT_EQ(physicalCores(cpus.path(), 1.5), std::min(all, 2));
+    EXPECT_EQ(physicalCores(cpus.path(), 1000), all);
+}
+
 TEST(WhisperRest, whatCannotBeAlignedIsNeverLeftToTheLibraryAndHardlyMore) {
     for (std::int64_t length = 1; length <= 3000; ++length) {
         for (std::int64_t begin = 0; begin < length; ++begin) {
