@@ -193,11 +193,6 @@ TEST(PocketSphinxEngine, aLoudNoiseIsTakenOutBeforeWordsAreHeard) {
     EXPECT_LE(wordErrorRate(wordsOf(spokenText), heard), 0.65);
 }
 
-TEST(PocketSphinxEngine, aRecordingOfNoSamplesHasNoWords) {
-    const TemporaryFolder folder;
-    EXPECT_TRUE(recognize(writeWav(folder, "short.wav", std::vector<std::int16_t>(10))).empty());
-}
-
 /// A recording that breaks off while it is read.
 class BreakingRecording final : public AudioDecoder {
   public:

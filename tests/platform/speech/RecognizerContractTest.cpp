@@ -59,7 +59,7 @@ std::unique_ptr<SpeechEngine> makeScripted() {
         [](const FileRecognitionRequest& request,
            const std::stop_token& stop) -> std::vector<RecognizedSegment> {
             const auto name = request.path.filename();
-            if (name == "silence.wav")
+            if (name == "silence.wav" || name == "short.wav" || name == "nothing.wav")
                 return {};
             if (name != "speech.wav" && name != "long.wav")
                 throw MediaError("'" + name.string() + "' is no recording.");
@@ -89,6 +89,8 @@ class Recordings {
             longSpeech.insert(longSpeech.end(), sentence.begin(), sentence.end());
         writeWav(folder, "long.wav", longSpeech);
         writeWav(folder, "silence.wav", std::vector<std::int16_t>(2 * spokenRateHz));
+        writeWav(folder, "short.wav", std::vector<std::int16_t>(10, 20000));
+        writeWav(folder, "nothing.wav", {});
         folder.file("text.wav", "This is no recording.");
     }
     TemporaryFolder folder;
@@ -171,13 +173,15 @@ TEST_P(RecognizerContract, speechEndsInExactlyOneFinalResultOnAnotherThread) {
     EXPECT_LE(end, recordings->seconds);
 }
 
-TEST_P(RecognizerContract, silenceIsAFinalResultWithoutWords) {
-    Answer answer;
-    const auto task = start("silence.wav", answer);
-    answer.arrived.get_future().wait();
-    ASSERT_TRUE(answer.result);
-    EXPECT_TRUE(answer.result->isFinal);
-    EXPECT_TRUE(answer.result->segments.empty());
+TEST_P(RecognizerContract, whereNobodySpeaksIsAFinalResultWithoutWords) {
+    for (const char* file : {"silence.wav", "short.wav", "nothing.wav"}) {
+        Answer answer;
+        const auto task = start(file, answer);
+        answer.arrived.get_future().wait();
+        ASSERT_TRUE(answer.result) << file;
+        EXPECT_TRUE(answer.result->isFinal);
+        EXPECT_TRUE(answer.result->segments.empty()) << file;
+    }
 }
 
 TEST_P(RecognizerContract, whatCannotBeReadIsOneErrorInASentence) {
