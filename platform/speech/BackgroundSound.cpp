@@ -15,8 +15,6 @@ namespace {
 constexpr double mostRippleOfNoise = 9.0;
 // Recordings with noise 60 dB below the speech come out at 49 and more, those with 20 dB at 24 to 32.
 constexpr double inaudibleDb = 40.0;
-// Music alone: 8 to 11. Speech 15 dB above it: 24 and more.
-constexpr double leastVoiceDb = 14.0;
 
 // In bands 31 Hz wide: what lies below is rumble, and tones lie up to 3 kHz.
 constexpr std::size_t firstBand = 5;
@@ -74,10 +72,6 @@ BackgroundSound BackgroundSound::of(ShortSpectra& spectra) {
 
 bool BackgroundSound::isAudibleNoise() const {
     return ripple < mostRippleOfNoise && rangeDb < inaudibleDb;
-}
-
-bool BackgroundSound::isMusicAlone() const {
-    return ripple >= mostRippleOfNoise && rangeDb < leastVoiceDb;
 }
 
 }  // namespace korvane

@@ -4,9 +4,6 @@
 #include <iterator>
 #include <utility>
 
-#include "platform/speech/BackgroundSound.h"
-#include "platform/speech/ShortSpectra.h"
-
 namespace korvane {
 namespace {
 
@@ -25,7 +22,7 @@ bool isVoiced(const NoiseFloor::Frame& frame) {
 
 }  // namespace
 
-SpeechStretches::SpeechStretches(int rateHz) : rateHz_(rateHz), frameSize_(rateHz / 100), filter_(rateHz) {}
+SpeechStretches::SpeechStretches(int rateHz) : frameSize_(rateHz / 100), filter_(rateHz) {}
 
 void SpeechStretches::push(std::span<const float> samples) {
     kept_.insert(kept_.end(), samples.begin(), samples.end());
@@ -98,12 +95,8 @@ void SpeechStretches::close(std::int64_t endFrame, bool endsInSpeech) {
         return;
     const auto from = kept_.begin() + (stretch.begin * frameSize_ - keptFrom_);
     const auto to = kept_.begin() + (endFrame * frameSize_ - keptFrom_);
-    std::vector<float> samples(from, to);
-    ShortSpectra spectra(samples, rateHz_);
-    if (BackgroundSound::of(spectra).isMusicAlone())
-        return;
-    done_.push_back({stretch.begin * frameSize_, std::move(samples), stretch.floorDb, stretch.beginsInSpeech,
-                     endsInSpeech});
+    done_.push_back({stretch.begin * frameSize_, std::vector<float>(from, to), stretch.floorDb,
+                     stretch.beginsInSpeech, endsInSpeech});
 }
 
 void SpeechStretches::cutAtQuietest() {

@@ -24,8 +24,8 @@ struct SpeechStretch {
 };
 
 /// A stretch ends where nobody speaks for 0.35 s and keeps up to 0.25 s of that on both sides; one that
-/// reaches 15 s is cut at its quietest moment. Music that nobody speaks over is left out. Holds about 20 s of
-/// sound, however long the recording. One thread.
+/// reaches 15 s is cut at its quietest moment. Holds about 20 s of sound, however long the recording. One
+/// thread.
 class SpeechStretches {
   public:
     explicit SpeechStretches(int rateHz);
@@ -52,7 +52,6 @@ class SpeechStretches {
     void cutAtQuietest();
     void forget(std::int64_t frame);
 
-    const int rateHz_;
     const std::int64_t frameSize_;
     RumbleFilter filter_;
     double frameEnergy_ = 0.0;

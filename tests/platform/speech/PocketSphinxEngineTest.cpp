@@ -162,14 +162,6 @@ TEST(PocketSphinxEngine, noiseAndHumAreNoWords) {
     }
 }
 
-TEST(PocketSphinxEngine, musicAloneIsNoWords) {
-    const TemporaryFolder folder;
-    std::vector<std::int16_t> samples;
-    for (const float sample : sound::music(12.0, -20.0))
-        samples.push_back(static_cast<std::int16_t>(sample * 32767.0F));
-    EXPECT_TRUE(recognize(writeWav(folder, "music.wav", samples)).empty());
-}
-
 TEST(PocketSphinxEngine, speechIsStillUnderstoodOverNoise) {
     const TemporaryFolder folder;
     const std::string sentence =

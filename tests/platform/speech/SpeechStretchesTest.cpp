@@ -153,18 +153,16 @@ TEST(SpeechStretches, aVoiceOverMusicIsCutIntoPiecesNeverLost) {
     EXPECT_GE(seconds(covered), 3.9);
 }
 
-TEST(SpeechStretches, musicThatNobodySpeaksOverHasNoStretch) {
-    for (const double db : {-50.0, -30.0, -15.0})
-        EXPECT_TRUE(stretchesOf(sound::music(20.0, db)).empty()) << db;
-}
-
-TEST(SpeechStretches, aWordOverMusicIsFoundAndTheMusicAroundItIsNot) {
-    auto samples = sound::music(40.0, -35.0);
-    sound::addVoice(samples, 20.0, 20.5, -15.0);
-    const auto found = stretchesOf(samples);
-    ASSERT_EQ(found.size(), 1U);
-    EXPECT_LE(found[0].begin, 20 * rateHz);
-    EXPECT_GE(found[0].end(), 20 * rateHz + rateHz / 2);
+TEST(SpeechStretches, aVoiceOverMusicThatIsNearlyAsLoudIsHeardToo) {
+    for (const double above : {10.0, 6.0, 3.0}) {
+        auto samples = sound::music(40.0, -20.0 - above);
+        sound::addVoice(samples, 10.0, 30.0, -20.0);
+        std::int64_t covered = 0;
+        for (const auto& stretch : stretchesOf(samples))
+            covered += std::max<std::int64_t>(0, std::min<std::int64_t>(stretch.end(), 30 * rateHz) -
+                                                     std::max<std::int64_t>(stretch.begin, 10 * rateHz));
+        EXPECT_GE(seconds(covered), 19.5) << above;
+    }
 }
 
 TEST(SpeechStretches, anHourTakesNoMoreMemoryThanAMinute) {
