@@ -14,6 +14,7 @@
 #include "app/WindowFont.h"
 #include "app/WindowIcon.h"
 #include "platform/desktop/Display.h"
+#include "platform/desktop/SystemProxy.h"
 #include "platform/process/ExitCode.h"
 #include "platform/process/Process.h"
 #include "platform/process/StopSignals.h"
@@ -105,7 +106,10 @@ int main(int argc, char** argv) {
             std::fputs(options.printout.c_str(), stdout);
             return std::fflush(stdout) == 0 ? ended(ExitCode::done) : ended(ExitCode::failed);
         }
-        return ended(openWindow(options, argc, argv));
+        const int code = ended(openWindow(options, argc, argv));
+        if (isAnswerAwaited())
+            _exit(code);
+        return code;
     } catch (const UsageError& error) {
         return ended(failedWith(error.what(), ExitCode::wrongUsage));
     } catch (const std::exception& error) {

@@ -4,7 +4,9 @@
 #include <QNetworkProxyQuery>
 #include <QString>
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -14,9 +16,11 @@
 namespace korvane {
 namespace {
 
+// Of the process, as the threads are.
+std::atomic<int> asked = 0;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+
 bool environmentNamesAProxy() {
-    const auto names = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy",
-                        "ALL_PROXY",  "no_proxy",    "NO_PROXY"};
+    const auto names = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
     return std::any_of(names.begin(), names.end(),
                        [](const char* name) { return !qEnvironmentVariableIsEmpty(name); });
 }
@@ -61,8 +65,15 @@ std::string answerWithin(std::chrono::milliseconds patience, const std::stop_tok
         std::optional<std::string> text;
     };
     const auto answer = std::make_shared<Answer>();
+    ++asked;
     std::thread([answer, ask = std::move(ask)] {
-        std::string text = ask();
+        std::string text;
+        try {
+            text = ask();
+        } catch (const std::exception&) {
+            text.clear();
+        }
+        --asked;
         const std::lock_guard lock(answer->mutex);
         answer->text = std::move(text);
         answer->changed.notify_all();
@@ -70,6 +81,10 @@ std::string answerWithin(std::chrono::milliseconds patience, const std::stop_tok
     std::unique_lock lock(answer->mutex);
     answer->changed.wait_for(lock, stop, patience, [&] { return answer->text.has_value(); });
     return answer->text.value_or(std::string());
+}
+
+bool isAnswerAwaited() {
+    return asked != 0;
 }
 
 std::string systemProxyFor(const std::string& address, const std::stop_token& stop) {

@@ -16,10 +16,14 @@ namespace korvane {
 /// five seconds, or once stopped, the answer is empty. Blocks until then; any thread but the main one.
 std::string systemProxyFor(const std::string& address, const std::stop_token& stop = {});
 
-/// What `ask` answers, or nothing when it takes longer than `patience` or is stopped. It works on a thread of
-/// its own, which is left behind then: what it uses has to outlive the program.
+/// What `ask` answers, or nothing when it fails, takes longer than `patience` or is stopped. It works on a
+/// thread of its own, which is left behind then: what it uses has to outlive the program.
 std::string answerWithin(std::chrono::milliseconds patience, const std::stop_token& stop,
                          std::function<std::string()> ask);
+
+/// Whether such a thread still works. The desktop's libraries wait for it when a program leaves in order, so
+/// one that has put everything away leaves at once instead.
+bool isAnswerAwaited();
 
 /// How a proxy is written in such a variable; empty for none and for kinds that can't carry a download.
 std::string proxyAddress(const QNetworkProxy& proxy);

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <future>
+#include <new>
 #include <thread>
 
 namespace korvane {
@@ -42,6 +43,9 @@ TEST(SystemProxy, leavesTheEnvironmentToWhoeverLoads) {
 TEST(SystemProxy, isWhatIsAnsweredInTime) {
     EXPECT_EQ(answerWithin(std::chrono::minutes(1), {}, [] { return std::string("http://proxy.example"); }),
               "http://proxy.example");
+    EXPECT_FALSE(isAnswerAwaited());
+    EXPECT_EQ(answerWithin(std::chrono::minutes(1), {}, []() -> std::string { throw std::bad_alloc(); }), "");
+    EXPECT_FALSE(isAnswerAwaited());
 }
 
 // A script that the desktop has to fetch may never come.
@@ -56,6 +60,7 @@ TEST(SystemProxy, isNoneWhereNobodyAnswers) {
     std::stop_source stop;
     const std::jthread person([&] { stop.request_stop(); });
     EXPECT_EQ(answerWithin(std::chrono::hours(1), stop.get_token(), silent), "");
+    EXPECT_TRUE(isAnswerAwaited()) << "both threads were left behind";
 }
 
 }  // namespace
