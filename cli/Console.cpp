@@ -86,6 +86,8 @@ void Console::note(std::string_view line) {
         return;
     erase();
     writeAll(stderr, std::string(line) + "\n");
+    if (terminal_ && state_)
+        draw();
 }
 
 void Console::error(std::string_view sentence) {

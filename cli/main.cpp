@@ -78,6 +78,13 @@ DiagnosticLog diagnosticLog(MainQueue& queue, Console& console) {
     };
 }
 
+/// The console's, so that it keeps out of the progress line and is silent when all else is.
+SpeechLog speechLog(MainQueue& queue, Console& console) {
+    return [&queue, &console](const std::string& sentence) {
+        queue.post([&console, sentence] { console.note(sentence); });
+    };
+}
+
 ExitCode run(const Invocation& invocation, Console& console) {
     QtMainQueue queue;
     std::stop_source source;
@@ -85,7 +92,8 @@ ExitCode run(const Invocation& invocation, Console& console) {
         [&source](int count) { count == 1 ? void(source.request_stop()) : leaveSoon(); });
     FileUserDefaults defaults;
     try {
-        const auto recognizers = makeInstalledSpeechEngines(speechChoiceOf(invocation.request));
+        const auto recognizers =
+            makeInstalledSpeechEngines(speechChoiceOf(invocation.request), speechLog(queue, console));
         const CommandContext context{queue, console, *recognizers, defaults,
                                      invocation.quiet ? silentLog() : diagnosticLog(queue, console)};
         const auto output =

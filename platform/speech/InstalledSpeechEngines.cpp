@@ -40,23 +40,26 @@ std::optional<std::filesystem::path> voiceModelOf(const SpeechModelStore& store)
     return std::nullopt;
 }
 
-std::unique_ptr<SpeechEngine> makeWhisper(const SpeechChoice& choice) {
+std::unique_ptr<SpeechEngine> makeWhisper(const SpeechChoice& choice, const SpeechLog& log) {
     const SpeechModelStore store(StandardFolders::of(processEnvironment()));
     FindWhisperModel find = [store] { return store.inUse(); };
     if (choice.model)
         find = [model = store.resolve(*choice.model)] { return std::optional(model); };
     auto settings = whisperSettingsHere();
     settings.findVoiceModel = [store] { return voiceModelOf(store); };
+    if (log)
+        settings.log = log;
     return std::make_unique<WhisperEngine>(std::move(find), std::move(settings));
 }
 
 }  // namespace
 
-std::unique_ptr<SpeechRecognizerRegistry> makeInstalledSpeechEngines(const SpeechChoice& choice) {
+std::unique_ptr<SpeechRecognizerRegistry> makeInstalledSpeechEngines(const SpeechChoice& choice,
+                                                                     const SpeechLog& log) {
     check(choice);
     std::vector<std::unique_ptr<SpeechEngine>> engines;
     if (!choice.engine || *choice.engine == whisperName)
-        engines.push_back(makeWhisper(choice));
+        engines.push_back(makeWhisper(choice, log));
 #if KORVANE_HAS_POCKETSPHINX
     // Who names a model means that one and no other engine.
     if (!choice.model && (!choice.engine || *choice.engine == pocketSphinxName))

@@ -91,6 +91,16 @@ class Engines(Case):
         self.assertIn("is not available for 'ru-RU'",
                       self.fails("transcribe", CLIPS / "spoken.mp4", "-l", "ru-RU", "--engine", "pocketsphinx"))
 
+    def test_what_is_done_without_is_told_on_the_console_unless_it_is_to_be_quiet(self):
+        self.install()
+        voices = self.root / ".local/share/korvane/models/whisper/ggml-silero.bin"
+        voices.write_bytes(b"lmgg\x0a\0\0\0silero-16k")  # the head of one, and nothing behind it
+        out, err = self.run_cli("transcribe", CLIPS / "spoken.mp4", "-l", "en-US")
+        told = [line for line in err.splitlines() if "voice model" in line]
+        self.assertEqual(len(told), 1, err)
+        self.assertRegex(told[0], r'\AThe voice model .*\.\Z')
+        self.assertEqual(self.run_cli("transcribe", CLIPS / "spoken.mp4", "-l", "en-US", "--quiet"), (out, ""))
+
     def test_a_reel_is_made_with_the_engine_that_was_asked_for(self):
         self.install()
         for choice in (["--engine", "whisper"], ["--engine", "pocketsphinx"], ["--model", "own"]):
