@@ -108,9 +108,10 @@ class Survey {
         std::stable_sort(usable.begin(), usable.end(), [](const auto& a, const auto& b) {
             return std::pair(a.operationsPerSecond, a.bytes) < std::pair(b.operationsPerSecond, b.bytes);
         });
+        // An administrator's whole one serves while the person's own is damaged.
         std::erase_if(unusable, [this](const auto& file) {
-            return std::any_of(usable.begin(), usable.end(),
-                               [&](const auto& model) { return model.id == file.id; });
+            const auto hasItsId = [&](const auto& model) { return model.id == file.id; };
+            return std::ranges::any_of(usable, hasItsId) || std::ranges::any_of(voices, hasItsId);
         });
     }
 
@@ -127,8 +128,8 @@ class Survey {
     }
 
     void take(const fs::path& file, bool own) {
-        if (std::any_of(usable.begin(), usable.end(),
-                        [&](const auto& model) { return model.file.filename() == file.filename(); }))
+        const auto hides = [&](const auto& earlier) { return earlier.file.filename() == file.filename(); };
+        if (std::ranges::any_of(usable, hides) || std::ranges::any_of(voices, hides))
             return;
         try {
             if (looksLikeVoiceModel(file)) {
@@ -139,16 +140,22 @@ class Survey {
             usable.push_back(describe(catalogue_, file, own));
             makeUnique(usable.back().id, file);
         } catch (const ModelError& error) {
+            if (std::ranges::any_of(unusable, hides))
+                return;
             unusable.push_back(describeUnusable(catalogue_, file, own, error.what()));
             makeUnique(unusable.back().id, file);
         }
     }
 
-    /// "x.bin" and "ggml-x.bin" are two models: the one that comes second goes by its whole name.
+    /// "x.bin" and "ggml-x.bin" are two models: the one that comes second goes by its whole name, and by its
+    /// whole path where "ggml-x.bin.bin" has that one.
     void makeUnique(std::string& id, const fs::path& file) {
-        const auto [first, isNew] = fileOfId_.try_emplace(id, file.filename());
-        if (!isNew && first->second != file.filename())
-            id = file.filename().string();
+        for (const auto& candidate : {id, file.filename().string(), file.string()}) {
+            if (fileOfId_.try_emplace(candidate, file.filename()).first->second != file.filename())
+                continue;
+            id = candidate;
+            return;
+        }
     }
 
     const SpeechModelCatalogue& catalogue_;

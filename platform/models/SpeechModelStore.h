@@ -58,9 +58,10 @@ class SpeechModelStore {
     std::filesystem::path folder() const;
 
     /// Whole multilingual models, from the one that takes the least work to the one that takes the most. The
-    /// person's own hides one of the system's with the same file name. No two have the same id.
+    /// person's own hides one of the system's with the same file name. No two models of any kind have the
+    /// same id.
     std::vector<InstalledSpeechModel> installed() const;
-    /// The other model files there, without those whose id an installed model has.
+    /// The other model files there, without those whose id a whole model has.
     std::vector<UnusableModelFile> unusable() const;
     /// Whole models that tell voices from other sounds, the person's own first; the first is the one that is
     /// used. None of them is among the others, and none can be chosen to recognise.

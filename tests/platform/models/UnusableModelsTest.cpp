@@ -71,6 +71,25 @@ TEST_F(UnusableModels, theSystemsWholeOneServesWhileThePersonsIsDamaged) {
     EXPECT_TRUE(unusableIds().empty()) << "nobody misses it";
 }
 
+TEST_F(UnusableModels, oneThatIsDamagedEverywhereIsNamedOnceAndAsThePersons) {
+    folder.file(own + "ggml-x.bin", cutOff());
+    folder.file(systems + "ggml-x.bin", "not a model");
+    ASSERT_THAT(unusableIds(), ElementsAre("x"));
+    EXPECT_TRUE(store().findUnusable("x")->own);
+    store().remove("x");
+    ASSERT_THAT(unusableIds(), ElementsAre("x"));
+    EXPECT_FALSE(store().findUnusable("x")->own);
+}
+
+TEST_F(UnusableModels, noNameThatAnotherHasForItsIdIsGivenTwice) {
+    for (const char* name : {"ggml-x.bin", "ggml-x.bin.bin", "x.bin"})
+        folder.file(own + name, "not a model");
+    const auto last = (folder.path() / own / "x.bin").string();
+    EXPECT_THAT(unusableIds(), ElementsAre("x", "x.bin", last));
+    store().remove(last);
+    EXPECT_THAT(unusableIds(), ElementsAre("x", "x.bin"));
+}
+
 TEST_F(UnusableModels, oneOfTwoWithTheSameIdIsMeantByItsWholeName) {
     folder.file(own + "ggml-x.bin", cutOff());
     folder.file(own + "x.bin", small);

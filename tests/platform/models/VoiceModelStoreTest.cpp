@@ -67,6 +67,24 @@ TEST_F(VoiceModels, areAddedUnderTheirNamesAndRemoved) {
     EXPECT_THAT(refusal([&] { store().remove("silero-v5"); }), HasSubstr("only an administrator"));
 }
 
+TEST_F(VoiceModels, thePersonsOwnHidesTheSystemsOfItsNameAndAWholeOneADamagedOne) {
+    const auto mine = voices(own + "ggml-silero.bin");
+    voices(systems + "ggml-silero.bin");
+    ASSERT_THAT(voiceIds(), ElementsAre("silero"));
+    EXPECT_TRUE(store().voiceModels().front().own);
+    fs::resize_file(mine, fs::file_size(mine) / 2);
+    ASSERT_THAT(voiceIds(), ElementsAre("silero"));
+    EXPECT_FALSE(store().voiceModels().front().own);
+    EXPECT_THAT(store().unusable(), IsEmpty()) << "nobody misses it";
+}
+
+TEST_F(VoiceModels, whatTheyHideIsNoSpeechModelEither) {
+    voices(own + "ggml-known.bin");
+    folder.file(systems + "ggml-known.bin", small);
+    EXPECT_THAT(voiceIds(), ElementsAre("known"));
+    EXPECT_THAT(ids(), IsEmpty());
+}
+
 TEST_F(VoiceModels, aDamagedOneIsNamedWithItsReason) {
     const auto file = voices(own + "ggml-silero.bin");
     fs::resize_file(file, fs::file_size(file) / 2);
