@@ -105,7 +105,8 @@ Usage:
   korvane-cli models install ID    download one; a download that was stopped or broke goes
                                    on where it was
   korvane-cli models remove ID     delete one of your own, or what a stopped download left
-  korvane-cli models add FILE      take in a model file that you have
+  korvane-cli models add FILE      take in a model file that you have: a Whisper model, or
+                                   one that finds voices for it (ggml-silero-*.bin)
   korvane-cli models use ID        choose the one that recognises; without a choice it is
                                    the best that fits into memory
   korvane-cli models path          the folder of your own models

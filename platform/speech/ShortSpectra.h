@@ -9,7 +9,7 @@
 namespace korvane {
 
 /// Windows of 32 ms (the next power of two in samples), one each 8 ms, weighted by the root of a Hann window
-/// both ways: unchanged spectra give the sound back. Takes 8 times the sound's memory. A value.
+/// both ways: unchanged spectra give the sound back. Takes 4 times the sound's memory. A value.
 class ShortSpectra {
   public:
     /// What is no finite number counts as silence. \throws MediaError when there is no memory.
