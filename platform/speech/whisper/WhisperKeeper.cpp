@@ -48,7 +48,6 @@ WhisperWorker& WhisperKeeper::Loan::worker() {
 
 WhisperWorker& WhisperKeeper::Loan::workerWithoutCard() {
     worker_ = nullptr;
-    hasVoices_.reset();
     keeper_.giveUpCard();
     worker_ = &keeper_.workerWith(model_, stop_);
     return *worker_;
@@ -64,48 +63,49 @@ std::vector<WhisperSegment> WhisperKeeper::Loan::recognize(std::span<const float
 }
 
 std::optional<std::vector<double>> WhisperKeeper::Loan::voicesIn(std::span<const float> samples) {
-    if (!hasVoices_)
-        hasVoices_ = hasVoices();
-    if (!*hasVoices_)
-        return std::nullopt;
-    try {
-        return worker().findVoices(samples, stop_);
-    } catch (const VoiceModelError& error) {
-        keeper_.spoilVoices(keeper_.loadedVoices_, error.what());
-        hasVoices_ = false;
-        return std::nullopt;
-    } catch (const RecognitionError&) {
-        keeper_.spoilVoices(keeper_.loadedVoices_, brokenOff);
-        throw;
+    while (const auto* const model = voiceModel()) {
+        auto& with = worker();  // whatever goes wrong with this isn't the voice model's fault
+        try {
+            keeper_.loadVoices(with, *model, stop_);
+            return with.findVoices(samples, stop_);
+        } catch (const VoiceModelError& error) {
+            keeper_.spoilVoices(*model, error.what());
+        } catch (const WhisperCardError&) {
+            worker_ = nullptr;
+            // The card's fault, until it comes again without one.
+            if (!keeper_.giveUpCard())
+                keeper_.spoilVoices(*model, brokenOff);
+        } catch (const RecognitionError&) {
+            worker_ = nullptr;  // another goes on without voices; what ends that one too is told
+            keeper_.spoilVoices(*model, brokenOff);
+        }
     }
+    return std::nullopt;
 }
 
-/// Sees to it that the worker has the model, if there is one.
-bool WhisperKeeper::Loan::hasVoices() {
-    const auto file = keeper_.settings_.findVoiceModel();
-    if (!file)
-        return false;
-    auto& with = worker();
-    const auto wanted = fingerprint(*file);
-    if (wanted == keeper_.spoiledVoices_)
-        return false;
-    if (wanted == keeper_.loadedVoices_)
-        return true;
-    try {
-        with.loadVoices(*file, stop_);
-        keeper_.loadedVoices_ = wanted;
-        return true;
-    } catch (const VoiceModelError& error) {
-        keeper_.spoilVoices(wanted, error.what());
-        return false;
-    } catch (const RecognitionError&) {
-        keeper_.spoilVoices(wanted, brokenOff);
-        throw;
+const WhisperKeeper::VoiceModel* WhisperKeeper::Loan::voiceModel() {
+    if (!hasLookedForVoices_) {
+        hasLookedForVoices_ = true;
+        if (auto file = keeper_.settings_.findVoiceModel())
+            voiceModel_ = {*file, fingerprint(*file)};
     }
+    if (!voiceModel_)
+        return nullptr;
+    if (!turn_)
+        takeTurn();
+    return voiceModel_->fingerprint == keeper_.spoiledVoices_ ? nullptr : &*voiceModel_;
 }
 
-void WhisperKeeper::spoilVoices(std::string fingerprint, const std::string& sentence) {
-    spoiledVoices_ = std::move(fingerprint);
+void WhisperKeeper::loadVoices(WhisperWorker& worker, const VoiceModel& model, const std::stop_token& stop) {
+    if (model.fingerprint == loadedVoices_)
+        return;
+    loadedVoices_.clear();  // the worker lets go of the one that it has, whatever comes of this one
+    worker.loadVoices(model.file, stop);
+    loadedVoices_ = model.fingerprint;
+}
+
+void WhisperKeeper::spoilVoices(const VoiceModel& model, const std::string& sentence) {
+    spoiledVoices_ = model.fingerprint;
     settings_.log(sentence + " Only the loudness of the sound tells where somebody speaks.");
 }
 
@@ -156,11 +156,11 @@ WhisperWorker& WhisperKeeper::workerWith(const std::filesystem::path& model, con
     return *worker_;
 }
 
-void WhisperKeeper::giveUpCard() {
+bool WhisperKeeper::giveUpCard() {
     std::unique_ptr<WhisperWorker> old;  // ends behind the lock
     const std::lock_guard lock(mutex_);
-    useCard_ = false;
     old = std::move(worker_);
+    return std::exchange(useCard_, false);
 }
 
 pid_t WhisperKeeper::processId() const {

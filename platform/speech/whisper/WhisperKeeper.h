@@ -49,10 +49,19 @@ class WhisperKeeper {
   private:
     using Clock = std::chrono::steady_clock;
 
+    struct VoiceModel {
+        std::filesystem::path file;
+        std::string fingerprint;  ///< of the file as it was when the recording began
+    };
+
     WhisperWorker& workerWith(const std::filesystem::path& model, const std::stop_token& stop);
-    /// The worker ends, and those that come do without the card. By whoever has the turn.
-    void giveUpCard();
-    void spoilVoices(std::string fingerprint, const std::string& sentence);
+    // These three by whoever has the turn:
+    /// The worker ends, and those that come do without the card. \return false when they did so already.
+    bool giveUpCard();
+    /// Sees to it that the worker has this one.
+    void loadVoices(WhisperWorker& worker, const VoiceModel& model, const std::stop_token& stop);
+    /// It isn't tried again. \param sentence  why.
+    void spoilVoices(const VoiceModel& model, const std::string& sentence);
     void keepHouse(const std::stop_token& stop);
 
     const WhisperSettings settings_;
@@ -63,10 +72,10 @@ class WhisperKeeper {
     std::string loaded_;        // the file that it has loaded, as it was then
     bool isLettingGo_ = false;  // of an unused one, which takes its time
     bool useCard_;
-    // Only whoever has the worker looks at these:
-    std::string loadedVoices_;   // likewise; empty: none
-    std::string spoiledVoices_;  // the one that didn't work, and isn't tried again
     Clock::time_point unusedSince_;
+    // Only whoever has the turn looks at these, without the lock. Fingerprints; empty: none.
+    std::string loadedVoices_;   // the voice model that the worker has
+    std::string spoiledVoices_;  // the one that didn't work, and isn't tried again
     std::jthread housekeeping_;
 };
 
@@ -85,15 +94,16 @@ class WhisperKeeper::Loan {
     std::vector<WhisperSegment> recognize(std::span<const float> samples, const std::string& language);
 
     /// The chance that somebody speaks, 0 to 1, for each whisper::voiceFrame samples; nothing when no model
-    /// for that is installed, or it can't be used, which is logged once. Waits as recognize() does.
-    /// \throws RecognitionError when the worker fails at it, and the model isn't used any more;
-    /// CancellationError.
+    /// for that is installed, or it can't be used. One that can't, or over which a worker broke off without a
+    /// graphics card being at fault, is logged once and not used any more. Waits as recognize() does.
+    /// \throws RecognitionError when no worker can be had; CancellationError.
     std::optional<std::vector<double>> voicesIn(std::span<const float> samples);
 
   private:
     WhisperWorker& worker();
     WhisperWorker& workerWithoutCard();
-    bool hasVoices();
+    /// The one to be used; null when there is none.
+    const VoiceModel* voiceModel();
     void takeTurn();
     void leave();
 
@@ -102,7 +112,8 @@ class WhisperKeeper::Loan {
     const std::stop_token stop_;
     std::optional<std::list<int>::iterator> turn_;
     WhisperWorker* worker_ = nullptr;
-    std::optional<bool> hasVoices_;  // whether the worker can tell voices apart; not yet known: nothing
+    bool hasLookedForVoices_ = false;
+    std::optional<VoiceModel> voiceModel_;  // for the whole recording, once it was looked for
 };
 
 }  // namespace korvane

@@ -86,6 +86,8 @@ void WhisperWorker::loadVoices(const std::filesystem::path& file, const std::sto
     } catch (const CancellationError&) {
         process_.end();  // soon done, but who knows
         throw;
+    } catch (const std::system_error& error) {
+        unreachable(error);
     }
 }
 
@@ -152,9 +154,7 @@ void WhisperWorker::ask(const std::string& verb, const std::string& about, std::
             process_.end();  // it waits for the rest of a request that never comes
         throw;
     } catch (const std::system_error& error) {
-        process_.end();
-        throw RecognitionError("Whisper can't be reached: " + error.code().message() +
-                               ". Close other programs and try again.");
+        unreachable(error);
     }
 }
 

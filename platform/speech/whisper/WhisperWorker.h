@@ -11,6 +11,7 @@
 #include <stop_token>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "platform/speech/SpeechRecognizer.h"
@@ -21,11 +22,13 @@ namespace korvane {
 
 /// How long a worker may be without a sign of life before it counts as hung, and how long it may work at all.
 struct WhisperPatience {
-    std::chrono::milliseconds start{std::chrono::seconds(30)};   ///< of the process, up to its first word
-    std::chrono::milliseconds load{std::chrono::minutes(3)};     ///< between two pieces of a model
-    std::chrono::milliseconds work{std::chrono::minutes(3)};     ///< between two signs of life
-    std::chrono::milliseconds stop{250};                         ///< for a request to end that was stopped
-    std::chrono::milliseconds card{std::chrono::minutes(1)};     ///< in place of `work` when a card computes
+    std::chrono::milliseconds start{std::chrono::seconds(30)};  ///< of the process, up to its first word
+    std::chrono::milliseconds load{std::chrono::minutes(3)};    ///< between two pieces of a model
+    std::chrono::milliseconds work{std::chrono::minutes(3)};    ///< between two signs of life
+    std::chrono::milliseconds stop{250};                        ///< for a request to end that was stopped
+    /// In place of `work` while a card is looked for, and when one computes, from a request's first sign of
+    /// life on: what comes before that may be its driver's preparations.
+    std::chrono::milliseconds card{std::chrono::minutes(1)};
     std::chrono::milliseconds wholeLoad{std::chrono::hours(1)};  ///< 3 GB at less than 1 MB/s
     /// A request as a whole. What is listened to is half a minute long however short the sound is: some
     /// minutes for a large model on a small machine. Words come on top, by its length.
@@ -110,6 +113,7 @@ class WhisperWorker {
     [[noreturn]] void failed(const Message& message);
     /// \param sentence  what went wrong and what helps.
     [[noreturn]] void broken(const std::string& sentence) const;
+    [[noreturn]] void unreachable(const std::system_error& error);
     [[noreturn]] void died();
     [[noreturn]] void hung();
     [[noreturn]] void tookTooLong();

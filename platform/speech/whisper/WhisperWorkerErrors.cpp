@@ -42,6 +42,12 @@ void WhisperWorker::broken(const std::string& sentence) const {
     throw RecognitionError(sentence);
 }
 
+void WhisperWorker::unreachable(const std::system_error& error) {
+    process_.end();
+    throw RecognitionError("Whisper can't be reached: " + error.code().message() +
+                           ". Close other programs and try again.");
+}
+
 void WhisperWorker::died() {
     const auto status = process_.endOfItself(std::chrono::milliseconds(200));
     if (!status)

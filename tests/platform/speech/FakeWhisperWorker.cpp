@@ -2,10 +2,11 @@
 //
 //   korvane-fake-whisper BEHAVIOUR [MARK] [--no-gpu]
 //
-// One whose behaviour begins with "card:" finds a graphics card, and misbehaves only while it may use that.
-// With MARK, a file, it misbehaves only while that file isn't there, and makes it when it comes to that: so
-// the next one is well behaved. A well-behaved one hears "one two" in every request, at 0.5 and 1.0 s, and
-// finds a voice everywhere.
+// Several behaviours are joined by "+". One that begins with "card:" finds a graphics card, and misbehaves
+// only while it may use that, else as is told behind "|"; with "claims-card:" it says that it computes with
+// one, whatever it may. With MARK, a file, it misbehaves only while that file isn't there, and makes it when
+// it comes to that: so the next one is well behaved. A well-behaved one hears "one two" in every request, at
+// 0.5 and 1.0 s, and finds a voice everywhere.
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -27,10 +28,12 @@ using korvane::whisper::Line;
 std::string behaviour;
 std::string mark;
 bool usesCard = false;
+int voiceModels = 0;     // that it was given
+bool hasVoices = false;  // the last of them
 
 /// Whether to misbehave like this, now.
 bool isTold(const std::string& what) {
-    if (behaviour != what)
+    if (("+" + behaviour + "+").find("+" + what + "+") == std::string::npos)
         return false;
     if (!mark.empty())
         std::ofstream(mark) << what;
@@ -115,6 +118,10 @@ void answer(std::int64_t id) {
 void find(std::int64_t id, std::size_t samples) {
     const auto number = std::to_string(id);
     misbehave("finding");
+    if (!hasVoices)
+        return say("failed engine 5\nNone.");
+    if (isTold("no-memory-to-find"))
+        return say("failed memory 5\nNone.");
     auto frames = (samples + korvane::whisper::voiceFrame - 1) / korvane::whisper::voiceFrame;
     if (isTold("spoiled-voices"))
         return say("failed voices 8\nSpoiled.");
@@ -134,6 +141,19 @@ void load(Line& line, const std::string& what, const std::string& failure, const
     say(isTold("bad-" + failure) ? "failed " + failure + " 12\nIt is broken" : "loaded " + computes + "\n");
 }
 
+void loadVoices(Line& line) {
+    ++voiceModels;
+    hasVoices = false;
+    if (voiceModels > 1 && isTold("voices-again"))
+        std::_Exit(4);
+    if (voiceModels == 2 && isTold("second-voices-bad")) {
+        skip(line.number<std::size_t>(1, 65536));
+        return say("failed voices 12\nIt is broken");
+    }
+    load(line, "voices", "voices", "CPU");
+    hasVoices = !isTold("bad-voices");
+}
+
 void loadModel(Line& line) {
     const std::string computes = usesCard ? "Vulkan0" : "CPU";
     line.number(1, 1024);
@@ -143,6 +163,8 @@ void loadModel(Line& line) {
         say("failed machine 5\nNone.");
     if (isTold("no-memory-to-load"))
         say("failed memory 5\nNone.");
+    if (isTold("engine-fails-to-load"))
+        say("failed engine 5\nNone.");
     const int pieces = isTold("loads-slowly") ? 40 : isTold("loads-forever") ? 1000000 : 0;
     for (int i = 0; i < pieces; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(25));
@@ -160,11 +182,14 @@ void readArguments(std::vector<std::string> all) {
     const std::string prefix = "card:";
     if (behaviour.starts_with(prefix)) {
         usesCard = mayUseCard;
-        behaviour = mayUseCard ? behaviour.substr(prefix.size()) : "";
+        const auto end = behaviour.find('|');
+        const auto without = end == std::string::npos ? "" : behaviour.substr(end + 1);
+        behaviour = mayUseCard ? behaviour.substr(prefix.size(), end - prefix.size()) : without;
     }
-    if (behaviour == "claims-card") {
+    const std::string claim = "claims-card:";
+    if (behaviour.starts_with(claim)) {
         usesCard = true;
-        behaviour = "asked-exits";
+        behaviour = behaviour.substr(claim.size());
     }
     if (std::ifstream(mark))
         behaviour = "";
@@ -183,17 +208,13 @@ int main(int count, char** arguments) {
         say("looking\n");
     if (isTold("deaf"))
         sleepForever();
-    bool hadVoices = false;
     for (std::string text; std::getline(std::cin, text);) {
         Line line(text);
         const auto verb = line.word();
         if (verb == "load") {
             loadModel(line);
         } else if (verb == "voices") {
-            if (hadVoices && isTold("voices-again"))
-                std::_Exit(4);
-            hadVoices = true;
-            load(line, "voices", "voices", "CPU");
+            loadVoices(line);
         } else if (verb == "find") {
             const auto id = line.number<std::int64_t>(0, 1000000);
             const auto bytes = line.number<std::size_t>(0, 100000000);

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
+#include <stdexcept>
+#include <system_error>
 
 #include "platform/speech/whisper/MemoryPressure.h"
 #include "platform/speech/whisper/PhysicalCores.h"
@@ -168,6 +171,15 @@ TEST(WhisperMemoryWords, anAssertionThatMemoryIsThereIsTold) {
     EXPECT_FALSE(whisper::assertsMemory("ggml.c:1: GGML_ASSERT(a->ne[0] == b->ne[0]) failed"));
     EXPECT_FALSE(
         whisper::assertsMemory("ggml.c:1: GGML_ASSERT(src->data && \"graph must be allocated\") failed"));
+}
+
+TEST(WhisperMemoryWords, aThreadThatCannotBeHadLacksMemory) {
+    using std::make_error_code;
+    EXPECT_TRUE(whisper::meansNoMemory(std::bad_alloc()));
+    EXPECT_TRUE(whisper::meansNoMemory(
+        std::system_error(make_error_code(std::errc::resource_unavailable_try_again))));
+    EXPECT_FALSE(whisper::meansNoMemory(std::system_error(make_error_code(std::errc::permission_denied))));
+    EXPECT_FALSE(whisper::meansNoMemory(std::runtime_error("memory")));
 }
 
 class WhisperProgramTest : public testing::Test {

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <exception>
 #include <new>
-#include <system_error>
 
 #include "platform/speech/whisper/worker/MemoryWords.h"
 
@@ -46,13 +45,12 @@ void onRefusedNew() {
     throw std::bad_alloc();
 }
 
-/// A thread that can't be had lacks its stack.
 [[noreturn]] void onUncaught() {
     try {
         if (const auto error = std::current_exception())
             std::rethrow_exception(error);
-    } catch (const std::system_error& error) {
-        if (error.code() == std::errc::resource_unavailable_try_again)
+    } catch (const std::exception& error) {
+        if (meansNoMemory(error))
             hasRunOut = true;
     } catch (...) {
     }

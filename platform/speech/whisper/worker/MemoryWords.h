@@ -1,7 +1,10 @@
-// Which of the library's complaints mean that memory ran out: it has no other way to say so.
+// Which complaints mean that memory ran out. The library has no other way to say so.
 #pragma once
 
+#include <exception>
+#include <new>
 #include <string_view>
+#include <system_error>
 
 namespace korvane::whisper {
 
@@ -19,6 +22,14 @@ constexpr bool speaksOfMemory(std::string_view complaint) {
 constexpr bool assertsMemory(std::string_view assertion) {
     const auto says = [assertion](std::string_view words) { return assertion.find(words) != assertion.npos; };
     return says("!= NULL") && (says("mem") || says("alloc"));
+}
+
+/// Of what was thrown, also by this program. A thread that can't be had lacks its stack.
+inline bool meansNoMemory(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error))
+        return true;
+    const auto* const system = dynamic_cast<const std::system_error*>(&error);
+    return system && system->code() == std::errc::resource_unavailable_try_again;
 }
 
 }  // namespace korvane::whisper

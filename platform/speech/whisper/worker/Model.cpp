@@ -161,8 +161,10 @@ Model::Model(const std::string& path, int threads, bool useCard, const std::func
         return;
     if (hasMemoryRunOut())
         throw Failure(failure::memory, "There is not enough memory.");
-    throw Failure(failure::model,
-                  source.isBroken() ? "The file can't be read to its end." : "The library can't load it.");
+    if (source.isBroken())
+        throw Failure(failure::model, "The file can't be read to its end.");
+    // The file was looked through: with a card it may be that one's failure, without it is the file's.
+    throw Failure(useCard ? failure::engine : failure::model, "The library can't load it.");
 }
 
 Model::~Model() = default;

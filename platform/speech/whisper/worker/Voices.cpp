@@ -43,9 +43,11 @@ Voices::~Voices() = default;
 
 std::string Voices::chancesIn(const std::vector<float>& samples) {
     const auto frames = (samples.size() + voiceFrame - 1) / voiceFrame;
+    forgetComplaints();
     if (!whisper_vad_detect_speech(library_->context, samples.data(), static_cast<int>(samples.size())) ||
         static_cast<std::size_t>(whisper_vad_n_probs(library_->context)) != frames)
-        throw Failure(failure::voices, "The library gave up.");
+        throw hasMemoryRunOut() ? Failure(failure::memory, "There is not enough memory.")
+                                : Failure(failure::voices, "The library gave up.");
     std::string chances;
     for (const float chance : std::span(whisper_vad_probs(library_->context), frames)) {
         if (!(chance >= 0.0F && chance <= 1.0F))

@@ -10,7 +10,7 @@ namespace korvane::whisper {
 
 class Voices {
   public:
-    /// \throws Failure of the kind "voices"
+    /// \throws Failure of the kind "voices" or "memory"
     explicit Voices(const std::string& path);
     ~Voices();
     Voices(const Voices&) = delete;
@@ -18,7 +18,7 @@ class Voices {
 
     /// \return the chance that somebody speaks for each voiceFrame samples, as the protocol has it: a byte
     /// each. Can't be interrupted; about 0.1 s for 15 s of sound.
-    /// \throws Failure
+    /// \throws Failure likewise
     std::string chancesIn(const std::vector<float>& samples);
 
   private:

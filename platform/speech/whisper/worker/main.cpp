@@ -14,7 +14,6 @@
 #include <exception>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -24,6 +23,7 @@
 #include "platform/speech/whisper/WhisperProtocol.h"
 #include "platform/speech/whisper/worker/Backends.h"
 #include "platform/speech/whisper/worker/MemoryWatch.h"
+#include "platform/speech/whisper/worker/MemoryWords.h"
 #include "platform/speech/whisper/worker/Model.h"
 #include "platform/speech/whisper/worker/Requests.h"
 #include "platform/speech/whisper/worker/Voices.h"
@@ -119,6 +119,7 @@ class Pulse {
 
 /// What is loaded at present.
 struct Loaded {
+    const bool mayUseCard;
     std::optional<Model> model;
     std::optional<Voices> voices;
 };
@@ -154,25 +155,26 @@ void findVoices(Loaded& loaded, const Request& request, const Requests& requests
 }
 
 /// A model, and what it is computed with.
-void load(std::optional<Model>& model, const Request& request, Answers& answers) {
-    model.reset();
+void load(Loaded& loaded, const Request& request, Answers& answers) {
+    loaded.model.reset();
     if (!canCompute()) {
         if (hasMemoryRunOut())
             throw Failure(failure::memory, "There is not enough memory.");
         throw Failure(failure::machine, "The library can't compute on this machine.");
     }
-    const auto card = usableCard();
+    // The library may see one even so: that of a driver which can't be hidden.
+    const auto card = loaded.mayUseCard ? usableCard() : std::string();
     const auto computes = card.empty() ? std::string(processor) : card;
     answers.send(makeLine("loading", computes));
-    model.emplace(request.path, request.threads, !card.empty(),
-                  [&] { answers.pulse(makeLine("loading", computes)); });
+    loaded.model.emplace(request.path, request.threads, !card.empty(),
+                         [&] { answers.pulse(makeLine("loading", computes)); });
     answers.send(makeLine("loaded", computes));
 }
 
 void answer(Loaded& loaded, const Request& request, const Requests& requests, Answers& answers) {
     switch (request.task) {
         case Task::load:
-            return load(loaded.model, request, answers);
+            return load(loaded, request, answers);
         case Task::loadVoices:
             loaded.voices.reset();
             loaded.voices.emplace(request.path);
@@ -184,17 +186,16 @@ void answer(Loaded& loaded, const Request& request, const Requests& requests, An
     }
 }
 
-[[noreturn]] void serve(Requests& requests, Answers& answers) {
-    Loaded loaded;
+[[noreturn]] void serve(bool mayUseCard, Requests& requests, Answers& answers) {
+    Loaded loaded{mayUseCard, {}, {}};
     for (;;) {
         try {
             answer(loaded, requests.next(), requests, answers);
         } catch (const Failure& failed) {
             answers.failed(failed.kind(), failed.what());
-        } catch (const std::bad_alloc&) {
-            answers.failed(failure::memory, "There is not enough memory.");
         } catch (const std::exception& error) {
-            answers.failed(hasMemoryRunOut() ? failure::memory : failure::engine, error.what());
+            const bool lacksMemory = hasMemoryRunOut() || meansNoMemory(error);
+            answers.failed(lacksMemory ? failure::memory : failure::engine, error.what());
         }
     }
 }
@@ -248,5 +249,5 @@ int main(int count, char** arguments) {
     if (backends->mayFindCard())
         answers.send("looking\n");
     backends->prepare();
-    serve(requests, answers);
+    serve(backends->useCard, requests, answers);
 }
