@@ -17,10 +17,14 @@ QString text(const std::string& words) {
 QString detailOf(const SpeechModelOffer& offer) {
     if (!offer.fault.empty())
         return text(offer.fault);
-    const QString words = text(byteText(offer.bytes)) + kBetween +
-                          QStringLiteral("%1 of memory").arg(text(byteText(offer.memoryBytes))) + kBetween +
-                          text(speedText(offer.speed));
-    return offer.isInstalled && !offer.isOwn ? words + kBetween + QStringLiteral("for all users") : words;
+    const QString use = offer.findsVoices
+                            ? QStringLiteral("finds voices, used beside a speech model")
+                            : QStringLiteral("%1 of memory").arg(text(byteText(offer.memoryBytes))) +
+                                  kBetween + text(speedText(offer.speed));
+    const QString words = text(byteText(offer.bytes)) + kBetween + use;
+    return (offer.isInstalled || offer.findsVoices) && !offer.isOwn
+               ? words + kBetween + QStringLiteral("for all users")
+               : words;
 }
 
 double share(std::uint64_t part, std::uint64_t whole) {
@@ -73,7 +77,7 @@ void describeDownload(SpeechModelRow& row, const SpeechModelOffer& offer, const 
 QString actionOf(const SpeechModelRow& row, const SpeechModelOffer& offer) {
     if (row.downloading)
         return QStringLiteral("Stop");
-    if (row.installed || (row.faulty && !offer.isListed))
+    if (row.installed || offer.findsVoices || (row.faulty && !offer.isListed))
         return offer.isOwn ? QStringLiteral("Remove") : QString();
     if (row.stopped)
         return QStringLiteral("Resume");

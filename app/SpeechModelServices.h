@@ -21,9 +21,11 @@ struct SpeechModelOffer {
     std::uint64_t memoryBytes = 0;  ///< that recognition needs
     double speed = 0;               ///< seconds of sound recognised in a second on this machine
     bool isRecommended = false;
-    bool isInstalled = false;
-    bool isListed = true;  ///< so it can be downloaded
-    bool isOwn = false;    ///< here for this person alone, so it can be removed
+    bool isInstalled = false;  ///< here, whole, and able to recognise
+    bool isListed = true;      ///< so it can be downloaded
+    bool isOwn = false;        ///< here for this person alone, so it can be removed
+    /// Here and whole, but for use beside one that recognises: neither chosen nor counted as installed.
+    bool findsVoices = false;
     /// One sentence about a file that is here but can't be used, and isn't installed therefore; else empty.
     std::string fault = {};
     std::uint64_t partBytes = 0;  ///< what an earlier download left

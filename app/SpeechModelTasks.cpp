@@ -23,6 +23,8 @@ MainTask SpeechModels::runLook() {
                 continue;  // something has ended meanwhile, which this may not have seen
             forgetEnded();
             show(std::move(found));
+            if (std::exchange(hasCome_, false) && hasInstalled())
+                Q_EMIT arrived();
         } catch (...) {
             forgetEnded();
             show(std::exchange(found_, {}));
@@ -32,7 +34,6 @@ MainTask SpeechModels::runLook() {
 }
 
 MainTask SpeechModels::runDownload(std::string id) {
-    bool isHere = false;
     try {
         const PhaseReports<DownloadProgress> reports(mainQueue_, [this, &id](const DownloadProgress& report) {
             downloads_[id].shown.report = report;
@@ -42,7 +43,7 @@ MainTask SpeechModels::runDownload(std::string id) {
             mainQueue_, [&services = *services_, &id, report = reports.callback()](
                             const std::stop_token& stop) { services.download(id, report, stop); });
         co_await download;
-        isHere = true;
+        hasCome_ = true;
     } catch (const CancellationError&) {
         // What has arrived stays, and the next look shows it.
     } catch (...) {
@@ -51,15 +52,12 @@ MainTask SpeechModels::runDownload(std::string id) {
     downloads_[id].isOver = true;
     look();
     Q_EMIT isBusyChanged();
-    if (isHere)
-        Q_EMIT arrived();
 }
 
 MainTask SpeechModels::runAdd(std::filesystem::path file) {
     adding_ = Adding{.name = fileName(file.string())};
     Q_EMIT addingChanged();
     Q_EMIT isBusyChanged();
-    bool isHere = false;
     try {
         const PhaseProgress progress(mainQueue_, [this](double fraction) {
             adding_->fraction = fraction;
@@ -69,7 +67,7 @@ MainTask SpeechModels::runAdd(std::filesystem::path file) {
             mainQueue_, [&services = *services_, &file, onProgress = progress.callback()](
                             const std::stop_token& stop) { services.add(file, onProgress, stop); });
         co_await adding;
-        isHere = true;
+        hasCome_ = true;
     } catch (const CancellationError&) {
         // Nothing has changed.
     } catch (...) {
@@ -80,8 +78,6 @@ MainTask SpeechModels::runAdd(std::filesystem::path file) {
     look();
     Q_EMIT addingChanged();
     Q_EMIT isBusyChanged();
-    if (isHere)
-        Q_EMIT arrived();
 }
 
 MainTask SpeechModels::runChange(Change change) {

@@ -77,7 +77,7 @@ class SpeechModels : public QObject {
     void problemChanged();
     void addingChanged();
     void isBusyChanged();
-    /// There is a model that was not there before.
+    /// A model has come, and there is one that recognises: one that only finds voices helps nobody alone.
     void arrived();
 
   private:
@@ -115,6 +115,7 @@ class SpeechModels : public QObject {
     bool isKnown_ = false;
     bool isLooking_ = false;
     bool looksAgain_ = false;
+    bool hasCome_ = false;  ///< a model; the next look tells whether anything can recognise now
     bool isPanelOpen_ = false;
     TaskScope tasks_;  // last, so that it ends before what the tasks work with
 };

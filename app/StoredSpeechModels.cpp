@@ -38,6 +38,15 @@ SpeechModelOffer offerOf(const InstalledSpeechModel& model, const SpeechModelSto
             .isOwn = model.own};
 }
 
+SpeechModelOffer offerOf(const InstalledVoiceModel& model) {
+    return {.id = model.id,
+            .name = "Voice model " + model.id,
+            .bytes = model.bytes,
+            .isListed = false,
+            .isOwn = model.own,
+            .findsVoices = true};
+}
+
 SpeechModelOffer offerOf(const UnusableModelFile& file, const SpeechModelStore& store) {
     const SpeechModel* listed = file.listed ? store.catalogue().find(file.id) : nullptr;
     SpeechModelOffer offer = listed ? offerOf(*listed, store) : SpeechModelOffer();
@@ -72,6 +81,8 @@ SpeechModelsFound StoredSpeechModels::find() {
         found.models.push_back(offerOf(model, store));
     for (const InstalledSpeechModel& model : store.installed())
         merge(found.models, offerOf(model, store));
+    for (const InstalledVoiceModel& model : store.voiceModels())
+        merge(found.models, offerOf(model));
     for (const UnusableModelFile& file : store.unusable())
         merge(found.models, offerOf(file, store));
     if (const auto best = recommendedModel(store.catalogue(), Machine::here()))

@@ -22,6 +22,8 @@ class ModelsScript {
     using Downloading = std::function<void(const std::string& id, const OnReport&, const std::stop_token&)>;
     using Adding = std::function<void(const std::function<void(double)>&, const std::stop_token&)>;
 
+    /// What is added turns out to be a model that only finds voices.
+    bool addsVoices = false;
     /// Set before anything is asked for.
     Downloading download = [](const auto&, const auto&, const auto&) {};
     Adding add = [](const auto&, const auto&) {};
@@ -59,6 +61,15 @@ class ModelsScript {
                 found.inUse = id;
         });
     }
+    /// A file that finds voices and recognises nothing.
+    void addVoices(bool isOwn = true) {
+        change([&](SpeechModelsFound& found) {
+            found.models.push_back(offer("silero", "Voice model silero", 885'098, 0, 0));
+            found.models.back().isListed = false;
+            found.models.back().isOwn = isOwn;
+            found.models.back().findsVoices = true;
+        });
+    }
     void setPart(const std::string& id, std::uint64_t bytes) {
         change([&](SpeechModelsFound& found) {
             std::ranges::find(found.models, id, &SpeechModelOffer::id)->partBytes = bytes;
@@ -74,9 +85,11 @@ class ModelsScript {
     }
     void uninstall(const std::string& id) {
         change([&](SpeechModelsFound& found) {
-            SpeechModelOffer& model = *std::ranges::find(found.models, id, &SpeechModelOffer::id);
-            model.isInstalled = false;
-            model.fault.clear();
+            const auto model = std::ranges::find(found.models, id, &SpeechModelOffer::id);
+            if (model == found.models.end())
+                return;
+            model->isInstalled = false;
+            model->fault.clear();
             if (found.inUse == id)
                 found.inUse.clear();
         });
@@ -148,6 +161,8 @@ class ScriptedModels final : public SpeechModelServices {
              const std::stop_token& stop) override {
         script_->note("add " + file.string());
         script_->add(progress, stop);
+        if (script_->addsVoices)
+            return script_->addVoices();
         script_->change([&](SpeechModelsFound& found) {
             found.models.push_back(
                 ModelsScript::offer("mine", "Whisper mine", 1'533'763'059, 2'400'000'000, 1.3));
@@ -159,6 +174,10 @@ class ScriptedModels final : public SpeechModelServices {
     }
     void remove(const std::string& id) override {
         script_->note("remove " + id);
+        script_->change([&](SpeechModelsFound& found) {
+            std::erase_if(found.models,
+                          [&](const auto& model) { return model.id == id && model.findsVoices; });
+        });
         script_->uninstall(id);
     }
     void use(const std::string& id) override {

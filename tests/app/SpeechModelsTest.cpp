@@ -263,6 +263,55 @@ TEST_F(SpeechModelsOnScreen, aChosenFileIsCopiedWithProgress) {
     EXPECT_EQ(row("mine").removalText, QStringLiteral("Only a file that you have can bring it back."));
 }
 
+TEST_F(SpeechModelsOnScreen, aModelThatFindsVoicesIsShownAndCanOnlyBeRemoved) {
+    modelsScript_->install("tiny");
+    modelsScript_->addVoices();
+    look();
+    EXPECT_EQ(row("silero").name, QStringLiteral("Voice model silero"));
+    EXPECT_EQ(row("silero").detail, QStringLiteral("886 kB · finds voices, used beside a speech model"));
+    EXPECT_FALSE(row("silero").installed) << "nothing to choose";
+    EXPECT_FALSE(row("silero").faulty);
+    EXPECT_EQ(action("silero"), "Remove");
+    EXPECT_TRUE(row("silero").removes);
+    EXPECT_EQ(row("silero").secondText, QString());
+    EXPECT_EQ(row("silero").removalText, QStringLiteral("Only a file that you have can bring it back."));
+    act("silero");
+    EXPECT_FALSE(models().isDownloading());
+    models().remove(QStringLiteral("silero"));
+    runUntil([this] { return models().rows()->rowCount() == 4; });
+    EXPECT_EQ(modelsScript_->calls(), std::vector<std::string>{"remove silero"});
+}
+
+TEST_F(SpeechModelsOnScreen, theSystemsModelThatFindsVoicesIsOnlyShown) {
+    modelsScript_->addVoices(false);
+    look();
+    EXPECT_TRUE(row("silero").detail.endsWith(QStringLiteral(" · for all users")));
+    EXPECT_EQ(action("silero"), "");
+}
+
+TEST_F(SpeechModelsOnScreen, aModelThatFindsVoicesIsNoneThatWasMissed) {
+    script_->recognise = [](const auto&, double, const Locale& locale, const auto&, const auto&) -> Words {
+        throw SpeechError::recognizerUnavailable(locale);
+    };
+    loadVideo();
+    transcribe();
+    ASSERT_TRUE(view_->modelWouldHelp());
+    QSignalSpy arrived(&models(), &SpeechModels::arrived);
+    modelsScript_->addsVoices = true;
+    models().addDropped({QUrl::fromLocalFile(QStringLiteral("/somewhere/ggml-silero.bin"))});
+    runUntil([this] { return models().rows()->rowCount() == 5 && !models().isBusy(); });
+    EXPECT_FALSE(models().hasInstalled());
+    EXPECT_EQ(arrived.size(), 0);
+    EXPECT_TRUE(view_->modelWouldHelp());
+
+    modelsScript_->addsVoices = false;
+    models().addDropped({QUrl::fromLocalFile(QStringLiteral("/somewhere/ggml-mine.bin"))});
+    runUntil([this] { return models().rows()->rowCount() == 6; });
+    EXPECT_EQ(arrived.size(), 1);
+    EXPECT_FALSE(view_->modelWouldHelp());
+    EXPECT_FALSE(view_->hasError());
+}
+
 TEST_F(SpeechModelsOnScreen, nothingHappensWhenNoFileIsChosen) {
     look();
     models().chooseFile();

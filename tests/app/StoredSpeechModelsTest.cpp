@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/models/ModelError.h"
+#include "tests/fixtures/whisper-model/ScriptedVoiceModel.h"
 #include "tests/platform/models/SmallWhisperModel.h"
 #include "tests/platform/models/TestServer.h"
 #include "tests/support/TemporaryFolder.h"
@@ -79,6 +80,26 @@ TEST_F(StoredSpeechModelsTest, aDamagedFileStandsInThePlaceOfItsModelWithAReason
     EXPECT_EQ(found("mine").name, "ggml-mine.bin");
     StoredSpeechModels(folders).remove("one");
     EXPECT_EQ(found("one").fault, "");
+}
+
+TEST_F(StoredSpeechModelsTest, aModelThatFindsVoicesIsAddedShownAndRemovedButRecognisesNothing) {
+    list(content.size());
+    const auto file = folder.file("ggml-silero-v5.bin", "");
+    fixtures::ScriptedVoiceModel().write(file);
+    StoredSpeechModels models(folders);
+    models.add(file, {}, {});
+    ASSERT_EQ(models.find().models.size(), 2U);
+    const auto voices = found("silero-v5");
+    EXPECT_EQ(voices.name, "Voice model silero-v5");
+    EXPECT_EQ(voices.bytes, std::filesystem::file_size(file));
+    EXPECT_TRUE(voices.findsVoices);
+    EXPECT_TRUE(voices.isOwn);
+    EXPECT_FALSE(voices.isInstalled);
+    EXPECT_FALSE(voices.isListed);
+    EXPECT_FALSE(voices.isRecommended);
+    EXPECT_EQ(models.find().inUse, "");
+    models.remove("silero-v5");
+    EXPECT_EQ(models.find().models.size(), 1U);
 }
 
 TEST_F(StoredSpeechModelsTest, aDownloadGoesThroughTheProxyOfTheDesktop) {

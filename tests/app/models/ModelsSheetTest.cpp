@@ -175,6 +175,20 @@ TEST_F(ModelsSheet, aDamagedModelIsRemovedOrGotAgain) {
     EXPECT_EQ(modelsScript_->calls(), (std::vector<std::string>{"remove base", "download tiny"}));
 }
 
+TEST_F(ModelsSheet, aModelThatFindsVoicesHasNoDotAndGoesWhenItIsToldTo) {
+    modelsScript_->install("tiny");
+    modelsScript_->addVoices();
+    open();
+    EXPECT_TRUE(find("use tiny"));
+    EXPECT_FALSE(find("use silero"));
+    EXPECT_EQ(textOf("act silero"), "Remove");
+    click("act silero");
+    ASSERT_TRUE(hasKeyboard("keep silero"));
+    click("remove silero");
+    EXPECT_TRUE(until([this] { return !find("act silero"); }));
+    EXPECT_EQ(modelsScript_->calls(), std::vector<std::string>{"remove silero"});
+}
+
 TEST_F(ModelsSheet, theModelInUseIsChosenByItsDot) {
     modelsScript_->install("tiny");
     modelsScript_->install("base");

@@ -358,6 +358,12 @@ const std::map<std::string, Scene>& scenes() {
              });
              openModels(s);
          }},
+        {"27-models-voices",
+         [](Stage& s) {
+             s.models->install("base");
+             s.models->addVoices();
+             openModels(s);
+         }},
     };
     return all;
 }
