@@ -32,7 +32,7 @@ std::vector<int> wordOfEach(const std::vector<TokenCharacter>& characters,
 
 std::vector<TimedWord> wordsOfTokens(std::span<const HeardToken> tokens, const Locale& locale) {
     auto characters = charactersOfTokens(tokens);
-    dropUnspoken(characters);
+    dropUnspoken(characters, locale);
     const auto spans = wordSpans(characters, locale);
     const auto times = timesOfCharacters(characters, wordOfEach(characters, spans), tokens);
 

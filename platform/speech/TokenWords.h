@@ -27,9 +27,10 @@ struct HeardToken {
 ///   Numbers stay whole with their unit ("1 000" without a pause in it, "3,14 %", "$5", "5月"), short forms
 ///   too ("z. B.").
 /// - What isn't spoken is dropped: marks between special signs ("<|0.00|>", "[_BEG_]"), all that stands in
-///   square brackets, descriptions in round ones or asterisks ("(laughs)", "*applause*", also over several
-///   tokens), asterisks that only stress, notes, the arrows before another speaker, control characters, and
-///   bytes that are no UTF-8. Other words in round brackets stay.
+///   square brackets, sounds and fillers of the language in round ones ("(laughs)"), descriptions that stand
+///   alone in round ones or asterisks ("*applause*", also over several tokens), asterisks that only stress,
+///   notes, the arrows before another speaker, control characters, and bytes that are no UTF-8. Other words
+///   in round brackets or asterisks stay.
 /// - Texts are NFC and never empty.
 ///
 /// A word's time is that of what is spoken in it: a comma doesn't prolong it, nor does the space before.

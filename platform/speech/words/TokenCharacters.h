@@ -40,6 +40,7 @@ struct TokenCharacter {
 std::vector<TokenCharacter> charactersOfTokens(std::span<const HeardToken> tokens);
 
 /// Makes gaps of descriptions in brackets, special signs and notes, and takes out asterisks that only stress.
-void dropUnspoken(std::vector<TokenCharacter>& characters);
+/// \param locale  what is spoken: its words for sounds are the ones that count.
+void dropUnspoken(std::vector<TokenCharacter>& characters, const Locale& locale);
 
 }  // namespace korvane

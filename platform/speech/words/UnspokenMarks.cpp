@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/speech/words/SoundDescriptions.h"
@@ -32,6 +33,8 @@ constexpr std::u32string_view sentenceEnds = U".!?…。！？";
 constexpr std::u32string_view sentenceParts = U",;:，；：、";
 // May stand between a sentence and a description: "Hello.\" - (laughs)".
 constexpr std::u32string_view betweenSentences = U"\"'”’»)）」』-–—―";
+// Have a capital inside a sentence too.
+constexpr std::u32string_view capitalAnywhere[] = {U"I", U"Sie", U"Ihr", U"Ihnen"};
 
 bool contains(std::u32string_view set, char32_t c) {
     return set.find(c) != std::u32string_view::npos;
@@ -44,8 +47,8 @@ const Pair* pairOpenedBy(char32_t c) {
 
 class Unspoken {
   public:
-    explicit Unspoken(Characters& characters)
-        : characters_(characters), isDecoration_(characters.size(), false) {}
+    Unspoken(Characters& characters, const Locale& locale)
+        : characters_(characters), locale_(locale), isDecoration_(characters.size(), false) {}
 
     void drop() {
         for (std::size_t i = 0; i < characters_.size();)
@@ -103,8 +106,8 @@ class Unspoken {
         for (std::size_t k = i; k < limit(i); ++k) {
             depth += at(k) == pair->open ? 1 : at(k) == pair->close ? -1 : 0;
             if (depth == 0)
-                return !pair->round || isDescription(i, i + 1, k, k + 1) ? std::optional(k + 1)
-                                                                         : std::nullopt;
+                return !pair->round || isBracketedDescription({i, i + 1, k, k + 1}) ? std::optional(k + 1)
+                                                                                    : std::nullopt;
         }
         return std::nullopt;
     }
@@ -120,8 +123,8 @@ class Unspoken {
         return std::nullopt;
     }
 
-    /// "*applause*" and "**applause**" name a sound, "*very*" is said with stress, "f**k" is one word, and in
-    /// "2 * 3" they are read out.
+    /// "*applause*" and "**applause**" name a sound where they stand alone; inside a sentence every word is
+    /// said with stress, "she *sings*" too. "f**k" is one word, and in "2 * 3" they are read out.
     std::size_t takeStars(std::size_t i) {
         const auto end = endOfRun(i);
         if (isTimes(i, end)) {
@@ -136,7 +139,7 @@ class Unspoken {
         if (!close)
             return decorate(i, end);
         const auto behind = endOfRun(*close);
-        if (isDescription(i, end, *close, behind))
+        if (isStarredDescription({i, end, *close, behind}))
             return makeGap(i, behind);
         decorate(*close, behind);
         return decorate(i, end);
@@ -171,13 +174,36 @@ class Unspoken {
         return end - i >= 2 && atBegin ? makeGap(i, end) : end;
     }
 
-    /// Whether what stands in [inner, innerEnd), bracketed by the rest of [first, last), wasn't said: nobody
-    /// speaks brackets, but recognisers put what is said by the way into them too. What can't be told apart
-    /// stays, as a word too many is easily left out and one that is missing can't be chosen.
-    bool isDescription(std::size_t first, std::size_t inner, std::size_t innerEnd, std::size_t last) const {
-        const auto content = std::span(characters_).subspan(inner, innerEnd - inner);
-        return isSoundDescription(content) ||
-               (mayBeDescription(content) && followsSentence(first) && endsSentence(inner, last));
+    /// What stands in [inner, innerEnd), between the signs of the rest of [first, last).
+    struct Marked {
+        std::size_t first, inner, innerEnd, last;
+    };
+    std::span<const TokenCharacter> content(const Marked& marked) const {
+        return std::span(characters_).subspan(marked.inner, marked.innerEnd - marked.inner);
+    }
+
+    /// Nobody speaks brackets, but recognisers put what is said by the way into them too. What can't be told
+    /// apart stays, as a word too many is easily left out and one that is missing can't be chosen.
+    bool isBracketedDescription(const Marked& marked) const {
+        const auto place = !followsSentence(marked.first) && continuesSentence(marked.last)
+                               ? Place::insideSentence
+                               : Place::elsewhere;
+        return isSoundDescription(content(marked), locale_, place) ||
+               (mayBeDescription(content(marked)) && standsAlone(marked));
+    }
+    bool isStarredDescription(const Marked& marked) const {
+        if (isSoundDescription(content(marked), locale_, Place::elsewhere))
+            return standsAlone(marked) || (startsAlone(marked) && beginsSentence(marked.last));
+        return mayBeDescription(content(marked)) && standsAlone(marked);
+    }
+
+    bool standsAlone(const Marked& marked) const {
+        return startsAlone(marked) && endsSentence(marked.inner, marked.last);
+    }
+    /// What has a full stop of its own is a sentence: "*I know.*"
+    bool startsAlone(const Marked& marked) const {
+        const auto isEnd = [](const auto& c) { return contains(sentenceEnds, c.base); };
+        return followsSentence(marked.first) && std::ranges::none_of(content(marked), isEnd);
     }
     bool followsSentence(std::size_t i) const {
         while (i > 0 && (characters_[i - 1].isSpace() || characters_[i - 1].isGap() ||
@@ -190,8 +216,7 @@ class Unspoken {
     bool endsSentence(std::size_t inner, std::size_t last) const {
         if (last < characters_.size() && contains(sentenceEnds, at(last)))
             return false;
-        while (last < characters_.size() && characters_[last].isSpace())
-            ++last;
+        last = behindSpaces(last);
         if (last == characters_.size())
             return true;
         if (!characters_[last].isSpoken())
@@ -199,14 +224,40 @@ class Unspoken {
         return u_islower(static_cast<UChar32>(at(inner))) && u_isupper(static_cast<UChar32>(at(last)));
     }
 
+    /// Whether words of the same sentence follow, also behind a comma or in quotes.
+    bool continuesSentence(std::size_t i) const {
+        for (; i < characters_.size() && pairOpenedBy(at(i)) == nullptr; ++i) {
+            if (characters_[i].isSpoken() || contains(sentenceParts, at(i)))
+                return true;
+            if (contains(sentenceEnds, at(i)))
+                return false;
+        }
+        return false;
+    }
+    /// "*Musik* Hallo", but "*Music* I love".
+    bool beginsSentence(std::size_t i) const {
+        i = behindSpaces(i);
+        std::u32string word;
+        for (; isSpokenAt(i); ++i)
+            word += at(i);
+        return !word.empty() && u_isupper(static_cast<UChar32>(word.front())) &&
+               std::ranges::find(capitalAnywhere, word) == std::end(capitalAnywhere);
+    }
+    std::size_t behindSpaces(std::size_t i) const {
+        while (i < characters_.size() && characters_[i].isSpace())
+            ++i;
+        return i;
+    }
+
     Characters& characters_;
+    const Locale& locale_;
     std::vector<bool> isDecoration_;
 };
 
 }  // namespace
 
-void dropUnspoken(std::vector<TokenCharacter>& characters) {
-    Unspoken(characters).drop();
+void dropUnspoken(std::vector<TokenCharacter>& characters, const Locale& locale) {
+    Unspoken(characters, locale).drop();
 }
 
 }  // namespace korvane

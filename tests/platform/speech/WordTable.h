@@ -68,6 +68,10 @@ inline const std::vector<WordCase>& wordCases() {
         {"en-US", " \"*Never*,\" she said. *Never*! (Yes) I know.",
          "\"Never,\"|she|said.|Never!|(Yes)|I|know."},
         {"en-US", " P!nk came.Yes!No and yes!no", "P!nk|came.Yes!|No|and|yes!|no"},
+        {"en-US", " I said *music* and not *noise*. She *sings* (er) and he *screamed* at a (cheerful) man.",
+         "I|said|music|and|not|noise.|She|sings|and|he|screamed|at|a|(cheerful)|man."},
+        {"en-US", " *Music* I love. (In silence) he (ride) sat in the (ER) for (noise, music) *laughs*",
+         "Music|I|love.|(In|silence)|he|(ride)|sat|in|the|(ER)|for|(noise,|music)|laughs"},
 
         {"ru-RU", " Привет, мир!", "Привет,|мир!"},
         {"ru-RU", " Москва — столица России.", "Москва~—|столица|России."},
@@ -76,13 +80,15 @@ inline const std::vector<WordCase>& wordCases() {
         {"ru-RU", " Это стоит 1 000 ₽, то есть 12 345 678 рублей.",
          "Это|стоит|1~000~₽,|то|есть|12~345~678|рублей."},
         {"ru-RU", " число 3,14 % в 10:30", "число|3,14~%|в|10:30"},
-        {"ru-RU", " [музыка] Да (смех) нет *аплодисменты*", "Да|нет"},
+        {"ru-RU", " [музыка] Да (смех) нет. *аплодисменты*", "Да|нет."},
         {"ru-RU", " кое-кто по-русски из-за ёлки", "кое-кто|по-русски|из-за|ёлки"},
         {"ru-RU", " Это я. Да. «Война и мир» А. С. Пушкин", "Это|я.|Да.|«Война|и|мир»|А.|С.|Пушкин"},
         {"ru-RU", " № 5 и §7", "№~5|и|§7"},
         {"ru-RU", " и т. д. г. Москва, т. е. он, к. т. н. Петров",
          "и|т.~д.|г.|Москва,|т.~е.|он,|к.~т.~н.|Петров"},
         {"ru-RU", " Он *очень* рад (так сказать), (смех в зале) да", "Он|очень|рад|(так|сказать),|да"},
+        {"ru-RU", " Мне нравится *музыка* и *смех* (громкий смех) детей (laughs)",
+         "Мне|нравится|музыка|и|смех|детей|(laughs)"},
 
         {"uk-UA", " Привіт, світе!", "Привіт,|світе!"},
         {"uk-UA", " М'яч, п’ять, об'єкт і комп\u02bcютер", "М'яч,|п’ять,|об'єкт|і|комп\u02bcютер"},
@@ -92,6 +98,8 @@ inline const std::vector<WordCase>& wordCases() {
         {"uk-UA", " [музика] Так (сміх). Ні", "Так.|Ні"},
         {"uk-UA", " будь-який по-перше", "будь-який|по-перше"},
         {"uk-UA", " Ї\u0301жак і ґанок", "Ї\u0301жак|і|ґанок"},
+        {"uk-UA", " Мені подобається *музика* і *сміх* (сміється) дітей",
+         "Мені|подобається|музика|і|сміх|дітей"},
 
         {"fr-FR", " Bonjour, le monde !", "Bonjour,|le|monde~!"},
         {"fr-FR", " Quoi ? Non ; si : voilà", "Quoi~?|Non~;|si~:|voilà"},
@@ -103,6 +111,8 @@ inline const std::vector<WordCase>& wordCases() {
         {"fr-FR", " [Musique] Oui (rires) ! *Applaudissements*", "Oui~!"},
         {"fr-FR", " de\u0301ja\u0300 vu, œuvre", "déjà|vu,|œuvre"},
         {"fr-FR", " le n° 5 200 fois, soit 20 100 personnes", "le|n°|5|200|fois,|soit|20~100|personnes"},
+        {"fr-FR", " Elle *rit* (rit) avec (er) la *musique* (et silence) de (um) fond",
+         "Elle|rit|avec|(er)|la|musique|(et|silence)|de|(um)|fond"},
 
         {"de-DE", " Hallo, Welt!", "Hallo,|Welt!"},
         {"de-DE", " Das ist z. B. gut, d. h. u. a. m. schön.", "Das|ist|z.~B.|gut,|d.~h.~u.~a.~m.|schön."},
@@ -117,6 +127,9 @@ inline const std::vector<WordCase>& wordCases() {
         {"de-DE", " *Musik* Hallo. Das ist (glaube ich) gut (lacht).", "Hallo.|Das|ist|(glaube|ich)|gut."},
         {"de-DE", " Nr. 7 120 Meter, 7 120 Meter und 1990 200 Leute",
          "Nr.|7|120|Meter,|7~120|Meter|und|1990|200|Leute"},
+        {"de-DE", " Nein, *er* war es (er) und es geht *um* (um) dich (ähm) und *Musik*.",
+         "Nein,|er|war|es|(er)|und|es|geht|um|(um)|dich|und|Musik."},
+        {"de-DE", " *Husten* Sie, *Lachen* ist gut", "Husten|Sie,|Lachen|ist|gut"},
 
         {"es-ES", " ¡Hola, mundo!", "¡Hola,|mundo!"},
         {"es-ES", " ¿Qué tal? ¿ Y tú ?", "¿Qué|tal?|¿~Y|tú~?"},
@@ -126,6 +139,8 @@ inline const std::vector<WordCase>& wordCases() {
         {"es-ES", " —Hola —dijo él—. Adiós", "—Hola|—dijo|él—.|Adiós"},
         {"es-ES", " nin\u0303o y pingüino", "niño|y|pingüino"},
         {"es-ES", " franco-español, «así»", "franco-español,|«así»"},
+        {"es-ES", " Me gusta la *música* y (eh) no el *ruido* (um) fuerte",
+         "Me|gusta|la|música|y|no|el|ruido|(um)|fuerte"},
 
         {"it-IT", " Ciao, mondo!", "Ciao,|mondo!"},
         {"it-IT", " L'amico dell'altro, un po' d’acqua", "L'amico|dell'altro,|un|po'|d’acqua"},
@@ -135,6 +150,7 @@ inline const std::vector<WordCase>& wordCases() {
         {"it-IT", " [musica] Sì (ride). *applausi* No", "Sì.|No"},
         {"it-IT", " «Buongiorno» – disse", "«Buongiorno»~–|disse"},
         {"it-IT", " italo-francese po\u2019", "italo-francese|po\u2019"},
+        {"it-IT", " Lei *ride* (ride) e la *musica* (rit) continua", "Lei|ride|e|la|musica|(rit)|continua"},
 
         {"zh-CN", "你好，世界！", "你好，|世界！"},
         {"zh-CN", "今天天气很好。", "今天|天气|很好。"},
@@ -151,6 +167,8 @@ inline const std::vector<WordCase>& wordCases() {
         {"zh-CN", "(真的)5次他说\"好\"OK说\"OK\"好，他‘好’2次don’t好",
          "(真的)|5次|他|说|\"好\"|OK|说|\"OK\"|好，|他|‘好’|2次|don’t|好"},
         {"zh-CN", "这*很*重要，他说（真的）很好（背景音乐）。（笑）", "这|很|重要，|他|说|（真的）|很好。"},
+        {"zh-CN", "我喜欢（音乐）和电影（笑）和*音乐*（我喜欢音乐）。",
+         "我|喜欢|（音乐）|和|电影|和|音乐|（我|喜欢|音乐）。"},
 
         {"ja-JP", "こんにちは、世界！", "こんにちは、|世界！"},
         {"ja-JP", "私は学生です。", "私|は|学生|です。"},
@@ -184,6 +202,7 @@ inline const std::vector<WordCase>& wordCases() {
         {"ja-JP", "頑張ってください。飲んじゃった。猫もらくだも",
          "頑張ってください。|飲んじゃった。|猫|も|らくだ|も"},
         {"ja-JP", "「行きました」と言う。3か月、3ヶ月前", "「行きました」|と|言う。|3か月、|3ヶ月|前"},
+        {"ja-JP", "私は（音楽）が好き（えーと）で*音楽*を聞く", "私|は|（音楽）|が|好き|で|音楽|を|聞く"},
     };
     return cases;
 }
