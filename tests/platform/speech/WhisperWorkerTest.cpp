@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <random>
 #include <set>
 #include <thread>
@@ -19,6 +20,7 @@
 #include "platform/speech/whisper/WhisperProgram.h"
 #include "platform/tasks/Cancellation.h"
 #include "tests/fixtures/whisper-model/ScriptedModel.h"
+#include "tests/fixtures/whisper-model/ScriptedVoiceModel.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace korvane {
@@ -44,6 +46,13 @@ class WhisperWorkerTest : public testing::Test {
     }
     std::unique_ptr<WhisperWorker> worker(const std::filesystem::path& file) {
         return std::make_unique<WhisperWorker>(command, file, 1, WhisperPatience(), std::stop_token());
+    }
+    /// The worker, which can't have more memory than this.
+    std::vector<std::string> commandWith(std::int64_t kilobytes) const {
+        auto limited = command;
+        limited.insert(limited.begin(),
+                       {"/bin/sh", "-c", "ulimit -v \"$0\" && exec \"$@\"", std::to_string(kilobytes)});
+        return limited;
     }
     std::string errorOf(const std::filesystem::path& file) {
         try {
@@ -216,11 +225,8 @@ TEST_F(WhisperWorkerTest, howeverLittleMemoryThereIsTheErrorSpeaksOfMemory) {
     bool hasWorked = false;
     std::set<std::string> errors;
     for (std::int64_t kilobytes = 40000; !hasWorked && kilobytes < (1LL << 26); kilobytes += kilobytes / 6) {
-        auto limited = command;
-        limited.insert(limited.begin(),
-                       {"/bin/sh", "-c", "ulimit -v \"$0\" && exec \"$@\"", std::to_string(kilobytes)});
         try {
-            WhisperWorker whisper(limited, file, 2, WhisperPatience(), {});
+            WhisperWorker whisper(commandWith(kilobytes), file, 2, WhisperPatience(), {});
             hasWorked = !whisper.recognize(hum(2.2), "en", {}).empty();
         } catch (const RecognitionError& error) {
             EXPECT_NE(
@@ -232,6 +238,30 @@ TEST_F(WhisperWorkerTest, howeverLittleMemoryThereIsTheErrorSpeaksOfMemory) {
     }
     EXPECT_TRUE(hasWorked);
     EXPECT_EQ(errors.size(), 1U);
+}
+
+TEST_F(WhisperWorkerTest, memoryThatIsMissingForVoicesIsNotTheVoiceModelsFault) {
+    const auto file = model(hello);
+    const auto voices = folder.path() / "ggml-silero-test.bin";
+    fixtures::ScriptedVoiceModel().write(voices);
+    bool hasWorked = false;
+    int errors = 0;
+    for (std::int64_t kilobytes = 40000; !hasWorked && kilobytes < (1LL << 26); kilobytes += kilobytes / 25) {
+        std::optional<WhisperWorker> whisper;
+        try {
+            whisper.emplace(commandWith(kilobytes), file, 1, WhisperPatience(), std::stop_token());
+            whisper->loadVoices(voices, {});
+            hasWorked = !whisper->findVoices(hum(60), {}).empty();
+        } catch (const RecognitionError& error) {
+            if (!whisper)
+                continue;
+            ++errors;
+            EXPECT_NE(std::string(error.what()).find("not enough memory"), std::string::npos)
+                << kilobytes << " kB: " << error.what();
+        }
+    }
+    EXPECT_TRUE(hasWorked);
+    EXPECT_GT(errors, 0);
 }
 
 TEST_F(WhisperWorkerTest, withoutAGraphicsCardItComputesOnTheProcessor) {
