@@ -68,6 +68,7 @@ class Download {
     /// \return whether what has arrived then is what the list says.
     bool fetchAll() {
         std::uint64_t furthest = part_.bytes();
+        int patience = options_.fruitlessAttempts;
         Milliseconds pause = options_.firstPause;
         for (int fruitless = 0; part_.bytes() < model_.bytes;) {
             const TransferEnd end = attempt();
@@ -76,12 +77,13 @@ class Download {
             if (part_.bytes() > furthest) {
                 furthest = part_.bytes();
                 fruitless = 0;
+                patience = options_.fruitlessOnceBegun;
                 pause = options_.firstPause;
             } else {
                 ++fruitless;
             }
             const std::string failure = failureOf(end);
-            if (end.hopeless || !mayPass(end) || fruitless >= options_.fruitlessAttempts)
+            if (end.hopeless || !mayPass(end) || fruitless >= patience)
                 throw ModelError(failure);
             wait(std::max(pause, Milliseconds(end.pause.value_or(std::chrono::seconds(0)))));
             pause = std::min(pause * 2, longestPause);
@@ -251,6 +253,9 @@ fs::path downloadModel(const SpeechModel& model, const SpeechModelStore& store, 
     const auto destination = folder / model.fileName;
     if (isThere(model, destination))
         return destination;
+    // The built-in addresses instead are not what somebody with a list of their own wants.
+    if (const auto& problem = store.catalogue().problem(); !problem.empty())
+        throw ModelError(problem + " Nothing is downloaded until it is put right or removed.");
     makeFolder(folder);
     return Download(model, folder, stop, progress, options).run();
 }

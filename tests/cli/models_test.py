@@ -207,8 +207,11 @@ class Models(Case):
         lines = self.run_cli("models", "list")[0].splitlines()
         self.assertEqual(len({line.index(" MB, ") for line in lines}), 1, lines)
 
-    def test_a_damaged_list_is_named_and_the_built_in_one_serves(self):
+    def test_a_damaged_list_is_named_and_nothing_is_downloaded_with_another(self):
+        self.write_list(mirror=self.server.address.replace("//", "/"))
+        self.assertRegex(self.fails("models", "install", "tiny-q8_0"), r"speech-models.json.*put right or removed")
         (self.root / "config/korvane/speech-models.json").write_text("{")
+        self.assertIn("Nothing is downloaded", self.fails("models", "install", "base-q8_0"))
         out, err = self.run_cli("models", "list")
         self.assertIn("base-q8_0", out)
         self.assertRegex(err, r"\A\".*speech-models.json\" is not JSON.*\.\n\Z")

@@ -123,6 +123,7 @@ class DownloadFixture : public testing::Test {
         DownloadOptions quick;
         quick.firstPause = std::chrono::milliseconds(10);
         quick.fruitlessAttempts = 3;
+        quick.fruitlessOnceBegun = 5;
         return quick;
     }();
 };

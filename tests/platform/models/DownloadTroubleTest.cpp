@@ -88,7 +88,7 @@ TEST_F(DownloadTrouble, lessThanWasAnnouncedEachTimeIsGivenUp) {
         peer.send(content.substr(0, half));
     });
     EXPECT_THAT(failure(modelAt(server.address("a.bin"))), HasSubstr("broke"));
-    EXPECT_EQ(server.requests(), 4);  // one that brought something, three that brought nothing more
+    EXPECT_EQ(server.requests(), 6);  // one that brought something, five that brought nothing more
     EXPECT_EQ(contentOf(part), content.substr(0, half));
 }
 
@@ -186,6 +186,20 @@ TEST_F(DownloadTrouble, whatMayPassIsAskedForAgain) {
         download(modelAt(server.address("a.bin")));
         expectWhole();
     }
+}
+
+TEST_F(DownloadTrouble, aServerThatWasThereIsWaitedForLongerThanOneThatNeverWas) {
+    std::atomic<int> requests = 0;
+    TestServer server([&](const Received& request, Peer& peer) {
+        const int number = requests++;
+        if (number == 0)
+            peer.send(head("200 OK", lengthLine(content.size())) + content.substr(0, half));
+        else if (number >= 5)
+            serveFile(request, peer, content);
+    });
+    download(modelAt(server.address("a.bin")));
+    expectWhole();
+    EXPECT_EQ(server.requests(), 6);
 }
 
 TEST_F(DownloadTrouble, aServerThatFailsForGoodIsGivenUp) {
