@@ -43,6 +43,7 @@ FocusScope {
             languageIndex: screen.view.selectedLanguageIndex
             languageEnabled: !screen.view.isAnyActive
             modelsOffered: screen.view.speechModels.isOffered
+            downloadText: screen.view.speechModels.downloadText
             onLanguagePicked: index => screen.view.selectedLanguageIndex = index
             onModelsRequested: byKeys => screen.modelsRequested(byKeys)
         }

@@ -50,6 +50,7 @@ MainTask SpeechModels::runDownload(std::string id) {
         setProblem(describeError(std::current_exception()));
     }
     downloads_[id].isOver = true;
+    Q_EMIT downloadTextChanged();
     look();
     Q_EMIT isBusyChanged();
 }

@@ -43,6 +43,21 @@ bool SpeechModels::isDownloading() const {
     return std::ranges::any_of(downloads_, [](const auto& download) { return !download.second.isOver; });
 }
 
+QString SpeechModels::downloadText() const {
+    if (!isDownloading())
+        return {};
+    std::uint64_t received = 0;
+    std::uint64_t total = 0;
+    for (const auto& [id, download] : downloads_) {
+        if (download.isOver || !download.shown.report)
+            continue;
+        received += download.shown.report->receivedBytes;
+        total += download.shown.report->totalBytes;
+    }
+    const QString text = QStringLiteral("Downloading…");
+    return total == 0 ? text : text + QStringLiteral(" %1%").arg(100 * received / total);
+}
+
 void SpeechModels::look() {
     if (isLooking_)
         looksAgain_ = true;
@@ -156,6 +171,7 @@ void SpeechModels::showRows() {
                                       running == downloads_.end() ? nullptr : &running->second.shown));
     }
     rows_.replace(std::move(rows));
+    Q_EMIT downloadTextChanged();
 }
 
 void SpeechModels::setProblem(std::string sentence) {

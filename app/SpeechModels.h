@@ -31,6 +31,7 @@ class SpeechModels : public QObject {
     Q_PROPERTY(korvane::SpeechModelList* rows READ rows CONSTANT)
     Q_PROPERTY(QString folderText READ folderText NOTIFY foundChanged)
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
+    Q_PROPERTY(QString downloadText READ downloadText NOTIFY downloadTextChanged)
     Q_PROPERTY(QString addingText READ addingText NOTIFY addingChanged)
     Q_PROPERTY(double addingFraction READ addingFraction NOTIFY addingChanged)
 
@@ -49,6 +50,8 @@ class SpeechModels : public QObject {
     QString folderText() const;
     /// One sentence about what went wrong last; empty when nothing did.
     QString problem() const;
+    /// How far the downloads are together, for whoever has closed the sheet; empty when none runs.
+    QString downloadText() const;
     /// What is being copied, with its percentage; empty when nothing is.
     QString addingText() const;
     double addingFraction() const { return adding_ ? adding_->fraction : 0; }
@@ -75,6 +78,7 @@ class SpeechModels : public QObject {
   Q_SIGNALS:
     void foundChanged();
     void problemChanged();
+    void downloadTextChanged();
     void addingChanged();
     void isBusyChanged();
     /// A model has come, and there is one that recognises: one that only finds voices helps nobody alone.

@@ -71,8 +71,12 @@ TEST_F(SpeechModelsOnScreen, eachIsShownWithItsSizeMemoryAndSpeedAndOneIsRecomme
 }
 
 TEST_F(SpeechModelsOnScreen, aDownloadShowsItsProgressAndEndsInstalledAndInUse) {
+    EXPECT_EQ(models().downloadText(), QString());
+    QSignalSpy told(&models(), &SpeechModels::downloadTextChanged);
     beginDownload();
     EXPECT_EQ(progress("base"), "37% · 4.2 MB/s · 13 s left");
+    EXPECT_EQ(models().downloadText(), QStringLiteral("Downloading… 37%"));
+    EXPECT_GE(told.count(), 1);
     EXPECT_NEAR(row("base").fraction, 0.379, 0.001);
     EXPECT_TRUE(row("base").downloading);
     EXPECT_EQ(action("base"), "Stop");
@@ -87,6 +91,7 @@ TEST_F(SpeechModelsOnScreen, aDownloadShowsItsProgressAndEndsInstalledAndInUse) 
     EXPECT_EQ(progress("base"), "");
     EXPECT_TRUE(models().hasInstalled());
     EXPECT_FALSE(models().isBusy());
+    EXPECT_EQ(models().downloadText(), QString());
 }
 
 TEST_F(SpeechModelsOnScreen, aRowNeverFallsBackBetweenTheEndOfADownloadAndWhatIsFound) {

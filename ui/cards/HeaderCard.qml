@@ -9,6 +9,7 @@ GlassCard {
     required property int languageIndex
     required property bool languageEnabled
     property bool modelsOffered: false
+    property string downloadText: ""  // of models; empty when none comes
 
     signal languagePicked(int index)
     signal modelsRequested(byKeys: bool)
@@ -56,8 +57,10 @@ GlassCard {
         anchors.rightMargin: 14
         anchors.verticalCenter: names.verticalCenter
         visible: card.modelsOffered
-        text: "Speech models…"
+        text: card.downloadText.length > 0 ? card.downloadText : "Speech models…"
+        name: "Speech models…"
         color: Theme.white(0.45)
+        Accessible.description: card.downloadText
         size: 12
         onClicked: card.modelsRequested(models.visualFocus)
     }
