@@ -166,7 +166,7 @@ Item {
                 anchors.top: title.bottom
                 anchors.topMargin: 4
                 width: parent.width
-                text: list.height > 0 ? "Each of them understands all nine languages and works on this computer alone." : "There are none for this Korvane."
+                text: list.height > 0 ? "They understand all nine languages and work on this computer alone. Larger ones understand better." : "There are none for this Korvane."
                 color: Theme.white(0.55)
                 font.pixelSize: 12
                 wrapMode: Text.Wrap
