@@ -129,7 +129,11 @@ std::optional<std::filesystem::path> SystemFilePanels::run(const Request& reques
     dialog.winId();  // makes the window that can be put above ours
     dialog.windowHandle()->setTransientParent(window_);
     dialog.setWindowModality(Qt::ApplicationModal);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    const int answer = dialog.exec();
+    // When the panel goes together with a question over it, some window managers give the keyboard to nobody.
+    if (window_)
+        window_->requestActivate();
+    if (answer != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
     lastFolder_ = dialog.directory().absolutePath();
     return std::filesystem::path(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());

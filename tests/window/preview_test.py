@@ -368,8 +368,6 @@ class Exporting(PreviewCase):
         self.status("Export complete", seconds=60)
         self.assert_plays(reel)
         self.assert_nothing_half_written("reel.mp4", "talk.mp4")
-        # Two dialogs that go at once may leave the keyboard with nobody, until the window is pressed.
-        program.find("push button", "None").click()
         self.quit()
 
 
