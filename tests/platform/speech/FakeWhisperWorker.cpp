@@ -45,7 +45,7 @@ void say(const std::string& text) {
 }
 
 /// Not with ignore(), which waits for the byte behind those.
-void skip(std::size_t count) {
+void passOver(std::size_t count) {
     std::string bytes(count, '\0');
     std::cin.read(bytes.data(), static_cast<std::streamsize>(count));
 }
@@ -136,7 +136,7 @@ void find(std::int64_t id, std::size_t samples) {
 
 /// With its path, which is skipped.
 void load(Line& line, const std::string& what, const std::string& failure, const std::string& computes) {
-    skip(line.number<std::size_t>(1, 65536));
+    passOver(line.number<std::size_t>(1, 65536));
     misbehave(what);
     say(isTold("bad-" + failure) ? "failed " + failure + " 12\nIt is broken" : "loaded " + computes + "\n");
 }
@@ -147,7 +147,7 @@ void loadVoices(Line& line) {
     if (voiceModels > 1 && isTold("voices-again"))
         std::_Exit(4);
     if (voiceModels == 2 && isTold("second-voices-bad")) {
-        skip(line.number<std::size_t>(1, 65536));
+        passOver(line.number<std::size_t>(1, 65536));
         return say("failed voices 12\nIt is broken");
     }
     load(line, "voices", "voices", "CPU");
@@ -218,12 +218,12 @@ int main(int count, char** arguments) {
         } else if (verb == "find") {
             const auto id = line.number<std::int64_t>(0, 1000000);
             const auto bytes = line.number<std::size_t>(0, 100000000);
-            skip(bytes);
+            passOver(bytes);
             find(id, bytes / sizeof(float));
         } else if (verb == "recognise") {
             const auto id = line.number<std::int64_t>(0, 1000000);
             line.word();
-            skip(line.number<std::size_t>(0, 100000000));
+            passOver(line.number<std::size_t>(0, 100000000));
             answer(id);
         }
     }
